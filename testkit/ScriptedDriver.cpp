@@ -1,0 +1,3 @@
+#include "ScriptedDriver.h"
+
+ScriptedDriver::~ScriptedDriver() = default;

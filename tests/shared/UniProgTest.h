@@ -1,0 +1,31 @@
+#ifndef UNIPROGTEST_H
+#define UNIPROGTEST_H
+
+#include <QObject>
+#include <QTest>
+
+/// Base of every test class: a Qt warning that no QTest::ignoreMessage() announced fails the test function.
+class UniProgTest : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Names the process, sends settings to a temporary folder and picks the offscreen platform unless told otherwise.
+    static void prepareProcess();
+
+private Q_SLOTS:
+    void init();
+};
+
+/// main() of a test program.
+#define UNIPROG_TEST_MAIN(TestClass)                                                                                   \
+    int main(int argc, char **argv)                                                                                    \
+    {                                                                                                                  \
+        UniProgTest::prepareProcess();                                                                                 \
+        QApplication application(argc, argv);                                                                          \
+        TestClass test;                                                                                                \
+        QTEST_SET_MAIN_SOURCE_PATH                                                                                     \
+        return QTest::qExec(&test, argc, argv);                                                                        \
+    }
+
+#endif // UNIPROGTEST_H
