@@ -17,6 +17,7 @@ if(SANITIZE)
     set(flags "-fsanitize=${SANITIZE}")
 endif()
 run(${CMAKE_COMMAND} -G ${GENERATOR} -S "${SOURCE}" -B "${WORK}/build"
+    "-DREADME=${README}"
     "-DCONSUMER_WAY=${WAY}"
     "-DCMAKE_PREFIX_PATH=${prefix}"
     "-DCMAKE_CXX_COMPILER=${COMPILER}"
