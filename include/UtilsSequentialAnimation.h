@@ -63,11 +63,12 @@ private:
     void entryDestroyed();
     void scheduleAdvance();
     void advance();
+    bool firstHasStopped() const;
     void startFirst();
     void dropEntry(qsizetype index);
 
     QList<QPointer<QPropertyAnimation>> queue;
-    bool firstIsStarted = false; // the first entry has been started by this queue
+    enum { Waiting, Announced, Started } firstEntry = Waiting; // how far this queue has come with the first entry
     bool insideStart = false; // start() of the first entry is on the stack
     bool finishedIsOwed = false; // entries came since the last SignalAllAnimationsFinished()
     bool advanceIsScheduled = false;

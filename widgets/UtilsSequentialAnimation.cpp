@@ -39,15 +39,15 @@ int UtilsSequentialAnimation::NumberOfWaitingAnimations() const
 
 void UtilsSequentialAnimation::SlotAnimationFinished()
 {
-    const QObject *animation = sender();
     qsizetype index = 0;
-    if (animation) {
-        while (index < queue.size() && queue.at(index) != animation)
+    // The sender is asked for only when it matters: Qt searches all connections of this object for it.
+    if (!firstHasStopped()) {
+        const QObject *animation = sender();
+        while (animation && index < queue.size() && queue.at(index) != animation)
             ++index;
     }
-    if (index >= queue.size())
-        return;
-    dropEntry(index);
+    if (index < queue.size())
+        dropEntry(index);
     startFirst();
 }
 
@@ -84,10 +84,15 @@ void UtilsSequentialAnimation::advance()
     advanceIsScheduled = false;
     // A start() that is still on the stack has an event loop running inside it and cannot go on by itself.
     insideStart = false;
-    const QPropertyAnimation *first = queue.value(0);
-    if (firstIsStarted && first && first->state() == QAbstractAnimation::Stopped)
+    if (firstHasStopped())
         dropEntry(0);
     startFirst();
+}
+
+bool UtilsSequentialAnimation::firstHasStopped() const
+{
+    const QPropertyAnimation *first = queue.value(0);
+    return first && firstEntry == Started && first->state() == QAbstractAnimation::Stopped;
 }
 
 // Starts the first entry unless it runs already, and says so when there is none. An animation of duration 0 finishes
@@ -97,7 +102,7 @@ void UtilsSequentialAnimation::startFirst()
     if (insideStart)
         return;
     const QPointer<UtilsSequentialAnimation> self(this);
-    while (!queue.isEmpty() && !firstIsStarted) {
+    while (!queue.isEmpty() && firstEntry == Waiting) {
         const QPointer<QPropertyAnimation> next = queue.constFirst();
         if (!next || !next->targetObject()) {
             dropEntry(0);
@@ -105,12 +110,13 @@ void UtilsSequentialAnimation::startFirst()
                 next->deleteLater(); // it never starts, so it would never delete itself
             continue;
         }
-        firstIsStarted = true;
+        firstEntry = Announced;
         Q_EMIT SignalNewAnimationStarts();
         if (!self)
             return;
-        if (!next || !firstIsStarted || queue.constFirst() != next)
+        if (!next || firstEntry != Announced || queue.constFirst() != next)
             continue;
+        firstEntry = Started;
         insideStart = true;
         next->start(QAbstractAnimation::DeleteWhenStopped);
         if (!self)
@@ -129,5 +135,5 @@ void UtilsSequentialAnimation::dropEntry(qsizetype index)
     if (animation)
         animation->disconnect(this);
     if (index == 0)
-        firstIsStarted = false;
+        firstEntry = Waiting;
 }
