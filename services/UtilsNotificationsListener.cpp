@@ -1,0 +1,5 @@
+#include "UtilsNotificationsListener.h"
+
+UtilsNotificationsListener::UtilsNotificationsListener() = default;
+
+UtilsNotificationsListener::~UtilsNotificationsListener() = default;
