@@ -1,0 +1,68 @@
+#include "ProcedureRig.h"
+
+#include <QTest>
+
+ProcedureLog::ProcedureLog(UtilsUniProgThread *thread)
+{
+    connect(thread, &UtilsUniProgThread::SignalOperationLogMessage, this,
+            [this](const QString &text, LOGGER_MESSAGE_TYPE type) { events.append(line(text, type)); });
+    connect(thread, &UtilsUniProgThread::SignalOperationProgress, this,
+            [this](int percent) { events.append(progress(percent)); });
+    connect(thread, &UtilsUniProgThread::SignalProcedureCompleted, this, [this](int status, const QString &message) {
+        events.append(completed(status, message));
+        ++completions;
+        lastStatus = status;
+        lastMessage = message;
+    });
+    connect(thread, &UtilsUniProgThread::finished, this, [this] {
+        events.append(QStringLiteral("finished"));
+        ++ends;
+    });
+}
+
+QString ProcedureLog::line(const QString &text, LOGGER_MESSAGE_TYPE type)
+{
+    return QStringLiteral("log %1: %2").arg(int(type)).arg(text);
+}
+
+QString ProcedureLog::progress(int percent)
+{
+    return QStringLiteral("progress %1").arg(percent);
+}
+
+QString ProcedureLog::completed(int status, const QString &message)
+{
+    return QStringLiteral("completed %1: %2").arg(status).arg(message);
+}
+
+QStringList ProcedureLog::targetRun(const QStringList &inner, int status, const QString &message)
+{
+    QStringList events{line("Starting operation..."), line("Connecting to target MCU...")};
+    events += inner;
+    if (status != 0)
+        events.append(line(message, LOGGER_MESSAGE_ERROR));
+    events += {line("Disconnected from target."), completed(status, message), "finished"};
+    return events;
+}
+
+QStringList ProcedureLog::controlRun(const QStringList &inner, int status, const QString &message)
+{
+    QStringList events{line("Starting operation...")};
+    events += inner;
+    if (status != 0)
+        events.append(line(message, LOGGER_MESSAGE_ERROR));
+    events += {completed(status, message), "finished"};
+    return events;
+}
+
+ProcedureRig::ProcedureRig()
+    : thread(&driver, nullptr)
+    , log(&thread)
+{
+    driver.reset(); // forgets that the constructor asked for the descriptor
+}
+
+bool ProcedureRig::settle(int requests)
+{
+    return QTest::qWaitFor([&] { return log.ends >= requests && !thread.IsProcedureInProgress(); }, TestLimitMs);
+}
