@@ -1,0 +1,634 @@
+#include <UtilsSequentialAnimation.h>
+
+#include <UniProgTest.h>
+
+#include <QApplication>
+#include <QPropertyAnimation>
+#include <QSignalSpy>
+
+#include <functional>
+#include <utility>
+
+namespace {
+
+constexpr int Short = 20; // ms
+constexpr int Endless = 600'000; // ms, longer than any test
+
+/// What the animations write to. A set value is of no interest, only who is running.
+class Target : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(int value MEMBER value)
+
+public:
+    int value = 0;
+};
+
+QPropertyAnimation *makeAnimation(QObject *target, int duration, QObject *parent = nullptr)
+{
+    auto *animation = new QPropertyAnimation(target, "value", parent);
+    animation->setStartValue(0);
+    animation->setEndValue(10);
+    animation->setDuration(duration);
+    return animation;
+}
+
+} // namespace
+
+class tst_UtilsSequentialAnimation : public UniProgTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aNewQueueIsIdle();
+    void anAnimationAddedToAnIdleQueueStartsAtOnce();
+    void threeAnimationsRunOneAfterAnother();
+    void theStartIsAnnouncedBeforeTheAnimationRuns();
+    void theNextAnimationHasStartedWhenLaterReceiversHearOfTheEnd();
+    void theQueueCanBeUsedAgainAfterItRanDry();
+    void aFinishedAnimationDeletesItself();
+
+    void anAnimationOfDurationZeroEndsInsideTheCall();
+    void manyAnimationsOfDurationZeroDoNotOverflowTheStack();
+
+    void destroyAllAnimationsForgetsWithoutASignal();
+    void destroyAllAnimationsNeitherStopsNorDeletes();
+    void deletedTargetsAreNotReportedAfterTheQueueWasEmptied();
+    void theDestructorLeavesTheAnimationsAlone();
+
+    void theQueueGoesOn_data();
+    void theQueueGoesOn();
+    void aWaitingAnimationWhoseTargetDiedIsSkippedAndDeleted();
+    void aDeletedWaitingAnimationLeavesTheQueueAtOnce();
+    void anAnimationWithoutTargetIsSkipped();
+
+    void nullIsIgnored();
+    void anAnimationAddedTwiceStandsInTheQueueOnce();
+    void aWaitingAnimationThatEndsByItselfIsTheOneThatLeaves();
+
+    void theSlotOnAnIdleQueueDoesNothing();
+    void theSlotWithoutASenderDropsTheFirstEntry();
+    void aForgottenAnimationDropsNothing();
+    void aForgottenAnimationThatEndsInsideTheAnnouncementDropsNothing();
+
+    void theQueueMayBeDeletedInsideASignal_data();
+    void theQueueMayBeDeletedInsideASignal();
+    void theQueueMayBeEmptiedInsideTheAnnouncement();
+    void theQueueMayBeRefilledInsideTheAnnouncement();
+    void theQueueMayBeRefilledWhenItRunsDry();
+    void theAnnouncedAnimationMayBeDeletedByTheReceiver();
+    void aNestedEventLoopInsideASlotDoesNotHoldTheQueue_data();
+    void aNestedEventLoopInsideASlotDoesNotHoldTheQueue();
+};
+
+void tst_UtilsSequentialAnimation::aNewQueueIsIdle()
+{
+    UtilsSequentialAnimation queue;
+    QCOMPARE(queue.parent(), nullptr);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 0);
+    queue.DestroyAllAnimations();
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 0);
+}
+
+void tst_UtilsSequentialAnimation::anAnimationAddedToAnIdleQueueStartsAtOnce()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    QPropertyAnimation *first = makeAnimation(&target, Endless, &target);
+    QPropertyAnimation *second = makeAnimation(&target, Endless, &target);
+
+    queue.AddAnimation(first);
+    QCOMPARE(first->state(), QAbstractAnimation::Running);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 1); // the running one counts
+
+    queue.AddAnimation(second);
+    QCOMPARE(second->state(), QAbstractAnimation::Stopped);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 2);
+}
+
+void tst_UtilsSequentialAnimation::threeAnimationsRunOneAfterAnother()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    QStringList log;
+    connect(&queue, &UtilsSequentialAnimation::SignalNewAnimationStarts, this, [&log] { log << "starts"; });
+    connect(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished, this, [&log] { log << "all finished"; });
+    for (const char *name : {"a", "b", "c"}) {
+        QPropertyAnimation *animation = makeAnimation(&target, Short);
+        connect(animation, &QAbstractAnimation::stateChanged, this, [&log, name](QAbstractAnimation::State state) {
+            log << QString::fromLatin1(name) + (state == QAbstractAnimation::Running ? " runs" : " stops");
+        });
+        queue.AddAnimation(animation);
+    }
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 3);
+    QTRY_COMPARE(queue.NumberOfWaitingAnimations(), 0);
+    const QStringList expected{"starts",  "a runs", "a stops", "starts",  "b runs",
+                               "b stops", "starts", "c runs",  "c stops", "all finished"};
+    QCOMPARE(log, expected);
+    QCoreApplication::processEvents();
+    QCOMPARE(log, expected);
+}
+
+void tst_UtilsSequentialAnimation::theStartIsAnnouncedBeforeTheAnimationRuns()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    QPropertyAnimation *animation = makeAnimation(&target, Endless, &target);
+    bool announced = false;
+    connect(&queue, &UtilsSequentialAnimation::SignalNewAnimationStarts, this, [&] {
+        announced = true;
+        QCOMPARE(animation->state(), QAbstractAnimation::Stopped);
+        QCOMPARE(queue.NumberOfWaitingAnimations(), 1);
+    });
+    queue.AddAnimation(animation);
+    QVERIFY(announced);
+}
+
+void tst_UtilsSequentialAnimation::theNextAnimationHasStartedWhenLaterReceiversHearOfTheEnd()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    QPropertyAnimation *first = makeAnimation(&target, Short);
+    QPropertyAnimation *second = makeAnimation(&target, Endless, &target);
+    QAbstractAnimation::State before = QAbstractAnimation::Paused;
+    QAbstractAnimation::State after = QAbstractAnimation::Paused;
+    connect(first, &QAbstractAnimation::finished, this, [&] { before = second->state(); });
+    queue.AddAnimation(first);
+    queue.AddAnimation(second);
+    connect(first, &QAbstractAnimation::finished, this, [&] { after = second->state(); });
+    QTRY_COMPARE(after, QAbstractAnimation::Running);
+    QCOMPARE(before, QAbstractAnimation::Stopped);
+}
+
+void tst_UtilsSequentialAnimation::theQueueCanBeUsedAgainAfterItRanDry()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    for (int round = 1; round <= 3; ++round) {
+        queue.AddAnimation(makeAnimation(&target, Short));
+        QTRY_COMPARE(finished.count(), round);
+        QCOMPARE(queue.NumberOfWaitingAnimations(), 0);
+    }
+}
+
+void tst_UtilsSequentialAnimation::aFinishedAnimationDeletesItself()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    const QPointer<QPropertyAnimation> animation = makeAnimation(&target, Short);
+    queue.AddAnimation(animation);
+    QTRY_VERIFY(!animation);
+}
+
+void tst_UtilsSequentialAnimation::anAnimationOfDurationZeroEndsInsideTheCall()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    QSignalSpy starts(&queue, &UtilsSequentialAnimation::SignalNewAnimationStarts);
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    queue.AddAnimation(makeAnimation(&target, 0));
+    QCOMPARE(target.value, 10);
+    QCOMPARE(starts.count(), 1);
+    QCOMPARE(finished.count(), 1);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 0);
+    QCoreApplication::processEvents();
+    QCOMPARE(finished.count(), 1);
+}
+
+void tst_UtilsSequentialAnimation::manyAnimationsOfDurationZeroDoNotOverflowTheStack()
+{
+    constexpr int Count = 10'000;
+    Target target;
+    UtilsSequentialAnimation queue;
+    QSignalSpy starts(&queue, &UtilsSequentialAnimation::SignalNewAnimationStarts);
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    queue.AddAnimation(makeAnimation(&target, Short));
+    for (int i = 0; i < Count; ++i)
+        queue.AddAnimation(makeAnimation(&target, 0));
+    QCOMPARE(queue.NumberOfWaitingAnimations(), Count + 1);
+    QTRY_COMPARE(finished.count(), 1);
+    QCOMPARE(starts.count(), Count + 1);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 0);
+}
+
+void tst_UtilsSequentialAnimation::destroyAllAnimationsForgetsWithoutASignal()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    QSignalSpy starts(&queue, &UtilsSequentialAnimation::SignalNewAnimationStarts);
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    const QPointer<QPropertyAnimation> running = makeAnimation(&target, Short);
+    queue.AddAnimation(running);
+    queue.AddAnimation(makeAnimation(&target, Short, &target));
+    queue.DestroyAllAnimations();
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 0);
+    QTRY_VERIFY(!running);
+    QCOMPARE(starts.count(), 1);
+    QCOMPARE(finished.count(), 0);
+}
+
+void tst_UtilsSequentialAnimation::destroyAllAnimationsNeitherStopsNorDeletes()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    const QPointer<QPropertyAnimation> running = makeAnimation(&target, Endless, &target);
+    const QPointer<QPropertyAnimation> waiting = makeAnimation(&target, Endless, &target);
+    queue.AddAnimation(running);
+    queue.AddAnimation(waiting);
+    queue.DestroyAllAnimations();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCoreApplication::processEvents();
+    QVERIFY(running && waiting);
+    QCOMPARE(running->state(), QAbstractAnimation::Running);
+    QCOMPARE(waiting->state(), QAbstractAnimation::Stopped);
+}
+
+void tst_UtilsSequentialAnimation::deletedTargetsAreNotReportedAfterTheQueueWasEmptied()
+{
+    auto *targets = new QObject;
+    UtilsSequentialAnimation queue;
+    QSignalSpy starts(&queue, &UtilsSequentialAnimation::SignalNewAnimationStarts);
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    for (int i = 0; i < 3; ++i) {
+        auto *target = new Target;
+        target->setParent(targets);
+        queue.AddAnimation(makeAnimation(target, Endless, target));
+    }
+    delete targets;
+    queue.DestroyAllAnimations();
+    QCoreApplication::processEvents();
+    QCOMPARE(starts.count(), 1);
+    QCOMPARE(finished.count(), 0);
+}
+
+void tst_UtilsSequentialAnimation::theDestructorLeavesTheAnimationsAlone()
+{
+    Target target;
+    const QPointer<QPropertyAnimation> running = makeAnimation(&target, Short);
+    const QPointer<QPropertyAnimation> waiting = makeAnimation(&target, Short, &target);
+    {
+        UtilsSequentialAnimation queue;
+        queue.AddAnimation(running);
+        queue.AddAnimation(waiting);
+    }
+    QVERIFY(running && waiting);
+    QTRY_VERIFY(!running); // it reached its end unheard
+    QCOMPARE(waiting->state(), QAbstractAnimation::Stopped);
+}
+
+void tst_UtilsSequentialAnimation::theQueueGoesOn_data()
+{
+    QTest::addColumn<QString>("accident");
+    QTest::addColumn<int>("entry");
+    for (const char *accident : {"stopped", "animation deleted", "target deleted"}) {
+        for (int entry = 0; entry < 3; ++entry)
+            QTest::addRow("entry %d %s", entry, accident) << QString::fromLatin1(accident) << entry;
+    }
+}
+
+void tst_UtilsSequentialAnimation::theQueueGoesOn()
+{
+    QFETCH(QString, accident);
+    QFETCH(int, entry);
+    UtilsSequentialAnimation queue;
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    Target *targets[3];
+    QPropertyAnimation *animations[3];
+    QObject owner;
+    int reachedEnd = 0;
+    for (int i = 0; i < 3; ++i) {
+        targets[i] = new Target;
+        targets[i]->setParent(&owner);
+        animations[i] = makeAnimation(targets[i], i == entry ? 300 : Short);
+        connect(animations[i], &QAbstractAnimation::finished, this, [&reachedEnd] { ++reachedEnd; });
+        queue.AddAnimation(animations[i]);
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(animations[entry]->state() == QAbstractAnimation::Running, 30'000);
+    if (accident == "stopped")
+        animations[entry]->stop();
+    else if (accident == "animation deleted")
+        delete animations[entry];
+    else
+        delete targets[entry];
+    QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, 30'000);
+    QCOMPARE(reachedEnd, 2);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 0);
+    QCoreApplication::processEvents();
+    QCOMPARE(finished.count(), 1);
+}
+
+void tst_UtilsSequentialAnimation::aWaitingAnimationWhoseTargetDiedIsSkippedAndDeleted()
+{
+    Target target;
+    auto *dying = new Target;
+    UtilsSequentialAnimation queue;
+    QSignalSpy starts(&queue, &UtilsSequentialAnimation::SignalNewAnimationStarts);
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    queue.AddAnimation(makeAnimation(&target, Short));
+    const QPointer<QPropertyAnimation> skipped = makeAnimation(dying, Short);
+    queue.AddAnimation(skipped);
+    queue.AddAnimation(makeAnimation(&target, Short));
+    delete dying;
+    QTRY_COMPARE(finished.count(), 1);
+    QCOMPARE(starts.count(), 2);
+    QTRY_VERIFY(!skipped);
+}
+
+void tst_UtilsSequentialAnimation::aDeletedWaitingAnimationLeavesTheQueueAtOnce()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    QPropertyAnimation *running = makeAnimation(&target, Endless, &target);
+    QPropertyAnimation *waiting = makeAnimation(&target, Endless);
+    queue.AddAnimation(running);
+    queue.AddAnimation(waiting);
+    delete waiting;
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 1);
+    QCoreApplication::processEvents();
+    QCOMPARE(running->state(), QAbstractAnimation::Running);
+    QCOMPARE(finished.count(), 0);
+}
+
+void tst_UtilsSequentialAnimation::anAnimationWithoutTargetIsSkipped()
+{
+    UtilsSequentialAnimation queue;
+    QSignalSpy starts(&queue, &UtilsSequentialAnimation::SignalNewAnimationStarts);
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    const QPointer<QPropertyAnimation> animation = makeAnimation(nullptr, Short);
+    queue.AddAnimation(animation);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 0);
+    QCOMPARE(starts.count(), 0);
+    QCOMPARE(finished.count(), 1);
+    QTRY_VERIFY(!animation);
+}
+
+void tst_UtilsSequentialAnimation::nullIsIgnored()
+{
+    UtilsSequentialAnimation queue;
+    QSignalSpy starts(&queue, &UtilsSequentialAnimation::SignalNewAnimationStarts);
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    queue.AddAnimation(nullptr);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 0);
+    QCOMPARE(starts.count() + finished.count(), 0);
+}
+
+void tst_UtilsSequentialAnimation::anAnimationAddedTwiceStandsInTheQueueOnce()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    QSignalSpy starts(&queue, &UtilsSequentialAnimation::SignalNewAnimationStarts);
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    QPropertyAnimation *first = makeAnimation(&target, Short);
+    QPropertyAnimation *second = makeAnimation(&target, Short);
+    queue.AddAnimation(first);
+    queue.AddAnimation(second);
+    queue.AddAnimation(first);
+    queue.AddAnimation(second);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 2);
+    QTRY_COMPARE(finished.count(), 1);
+    QCOMPARE(starts.count(), 2);
+}
+
+void tst_UtilsSequentialAnimation::aWaitingAnimationThatEndsByItselfIsTheOneThatLeaves()
+{
+    Target target;
+    Target other;
+    UtilsSequentialAnimation queue;
+    QPropertyAnimation *running = makeAnimation(&target, Endless, &target);
+    QPropertyAnimation *early = makeAnimation(&other, 0, &other);
+    QPropertyAnimation *waiting = makeAnimation(&target, Endless, &target);
+    for (QPropertyAnimation *animation : {running, early, waiting})
+        queue.AddAnimation(animation);
+    early->start();
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 2);
+    QCOMPARE(running->state(), QAbstractAnimation::Running);
+    QCOMPARE(waiting->state(), QAbstractAnimation::Stopped);
+}
+
+void tst_UtilsSequentialAnimation::theSlotOnAnIdleQueueDoesNothing()
+{
+    UtilsSequentialAnimation queue;
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    queue.SlotAnimationFinished();
+    QCOMPARE(finished.count(), 0);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 0);
+}
+
+void tst_UtilsSequentialAnimation::theSlotWithoutASenderDropsTheFirstEntry()
+{
+    Target target;
+    Target other;
+    UtilsSequentialAnimation queue;
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    QPropertyAnimation *first = makeAnimation(&target, Endless, &target);
+    QPropertyAnimation *second = makeAnimation(&other, Endless, &other);
+    queue.AddAnimation(first);
+    queue.AddAnimation(second);
+    queue.SlotAnimationFinished();
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 1);
+    QCOMPARE(second->state(), QAbstractAnimation::Running);
+    queue.SlotAnimationFinished();
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 0);
+    QCOMPARE(finished.count(), 1);
+}
+
+void tst_UtilsSequentialAnimation::aForgottenAnimationDropsNothing()
+{
+    Target target;
+    Target other;
+    UtilsSequentialAnimation queue;
+    QPropertyAnimation *forgotten = makeAnimation(&target, Short);
+    const QPointer<QPropertyAnimation> guard = forgotten;
+    queue.AddAnimation(forgotten);
+    queue.DestroyAllAnimations();
+    connect(forgotten, SIGNAL(finished()), &queue, SLOT(SlotAnimationFinished())); // heard again, by hand
+    queue.AddAnimation(makeAnimation(&other, Endless, &other));
+    QTRY_VERIFY(!guard);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 1);
+}
+
+void tst_UtilsSequentialAnimation::aForgottenAnimationThatEndsInsideTheAnnouncementDropsNothing()
+{
+    Target target;
+    Target other;
+    UtilsSequentialAnimation queue;
+    QPropertyAnimation *stranger = makeAnimation(&other, 0, &other);
+    connect(stranger, SIGNAL(finished()), &queue, SLOT(SlotAnimationFinished()));
+    connect(&queue, &UtilsSequentialAnimation::SignalNewAnimationStarts, stranger, [stranger] { stranger->start(); });
+    QPropertyAnimation *animation = makeAnimation(&target, Endless, &target);
+    queue.AddAnimation(animation);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 1);
+    QCOMPARE(animation->state(), QAbstractAnimation::Running);
+}
+
+void tst_UtilsSequentialAnimation::theQueueMayBeDeletedInsideASignal_data()
+{
+    QTest::addColumn<QByteArray>("signal");
+    QTest::addColumn<int>("duration");
+    QTest::newRow("announcement") << QByteArray(SIGNAL(SignalNewAnimationStarts())) << Short;
+    QTest::newRow("announcement of nothing long") << QByteArray(SIGNAL(SignalNewAnimationStarts())) << 0;
+    QTest::newRow("all finished") << QByteArray(SIGNAL(SignalAllAnimationsFinished())) << Short;
+    QTest::newRow("all finished inside the call") << QByteArray(SIGNAL(SignalAllAnimationsFinished())) << 0;
+    QTest::newRow("finished of the animation") << QByteArray(SIGNAL(finished())) << Short;
+    QTest::newRow("finished inside the call") << QByteArray(SIGNAL(finished())) << 0;
+    QTest::newRow("state of the animation")
+        << QByteArray(SIGNAL(stateChanged(QAbstractAnimation::State, QAbstractAnimation::State))) << Short;
+}
+
+namespace {
+
+/// Runs an action once, from any signal.
+class Trigger : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Trigger(std::function<void()> todo)
+        : action(std::move(todo))
+    { }
+
+public Q_SLOTS:
+    void fire()
+    {
+        if (const std::function<void()> todo = std::exchange(action, nullptr))
+            todo();
+    }
+
+private:
+    std::function<void()> action;
+};
+
+} // namespace
+
+void tst_UtilsSequentialAnimation::theQueueMayBeDeletedInsideASignal()
+{
+    QFETCH(QByteArray, signal);
+    QFETCH(int, duration);
+    Target target;
+    auto *queue = new UtilsSequentialAnimation;
+    const QPointer<UtilsSequentialAnimation> guard(queue);
+    Trigger deletion([queue] { delete queue; });
+    QPropertyAnimation *animation = makeAnimation(&target, duration, &target);
+    const bool fromAnimation
+        = signal != SIGNAL(SignalNewAnimationStarts()) && signal != SIGNAL(SignalAllAnimationsFinished());
+    connect(fromAnimation ? static_cast<QObject *>(animation) : queue, signal.constData(), &deletion, SLOT(fire()));
+    queue->AddAnimation(animation);
+    QTRY_VERIFY(!guard);
+    QCoreApplication::processEvents();
+}
+
+void tst_UtilsSequentialAnimation::theQueueMayBeEmptiedInsideTheAnnouncement()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    connect(&queue, &UtilsSequentialAnimation::SignalNewAnimationStarts, &queue,
+            &UtilsSequentialAnimation::DestroyAllAnimations);
+    QPropertyAnimation *animation = makeAnimation(&target, Short, &target);
+    queue.AddAnimation(animation);
+    QCOMPARE(animation->state(), QAbstractAnimation::Stopped);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 0);
+    QCOMPARE(finished.count(), 0);
+}
+
+void tst_UtilsSequentialAnimation::theQueueMayBeRefilledInsideTheAnnouncement()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    QPropertyAnimation *forgotten = makeAnimation(&target, Short, &target);
+    const QPointer<QPropertyAnimation> instead = makeAnimation(&target, Short);
+    Trigger refill([&] {
+        queue.DestroyAllAnimations();
+        queue.AddAnimation(instead);
+        QCOMPARE(instead->state(), QAbstractAnimation::Running);
+    });
+    connect(&queue, SIGNAL(SignalNewAnimationStarts()), &refill, SLOT(fire()));
+    queue.AddAnimation(forgotten);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 1);
+    QTRY_COMPARE(finished.count(), 1);
+    QCOMPARE(forgotten->state(), QAbstractAnimation::Stopped);
+    QTRY_VERIFY(!instead);
+}
+
+void tst_UtilsSequentialAnimation::theQueueMayBeRefilledWhenItRunsDry()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    Trigger refill([&] {
+        QPropertyAnimation *again = makeAnimation(&target, Short);
+        queue.AddAnimation(again);
+        QCOMPARE(again->state(), QAbstractAnimation::Running);
+    });
+    connect(&queue, SIGNAL(SignalAllAnimationsFinished()), &refill, SLOT(fire()));
+    queue.AddAnimation(makeAnimation(&target, 0));
+    QCOMPARE(finished.count(), 1);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 1);
+    QTRY_COMPARE(finished.count(), 2);
+}
+
+void tst_UtilsSequentialAnimation::theAnnouncedAnimationMayBeDeletedByTheReceiver()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    QPropertyAnimation *animation = makeAnimation(&target, Short);
+    connect(&queue, &UtilsSequentialAnimation::SignalNewAnimationStarts, this, [animation] { delete animation; });
+    queue.AddAnimation(animation);
+    QTRY_COMPARE(finished.count(), 1);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 0);
+}
+
+void tst_UtilsSequentialAnimation::aNestedEventLoopInsideASlotDoesNotHoldTheQueue_data()
+{
+    QTest::addColumn<bool>("inAnnouncement");
+    QTest::newRow("in the announcement") << true;
+    QTest::newRow("in the state change") << false;
+}
+
+void tst_UtilsSequentialAnimation::aNestedEventLoopInsideASlotDoesNotHoldTheQueue()
+{
+    QFETCH(bool, inAnnouncement);
+    Target target;
+    UtilsSequentialAnimation queue;
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    QPropertyAnimation *first = makeAnimation(&target, Short);
+    QPropertyAnimation *second = makeAnimation(&target, Short);
+    QPropertyAnimation *third = makeAnimation(&target, Short);
+    const QPointer<QPropertyAnimation> last = third;
+    int ends = 0;
+    for (QPropertyAnimation *animation : {first, second, third})
+        connect(animation, &QAbstractAnimation::finished, this, [&ends] { ++ends; });
+
+    bool nested = false;
+    const auto runLoop = [&] {
+        if (std::exchange(nested, true))
+            return;
+        if (inAnnouncement) {
+            // What this loop delivers must not take the announced animation for one that has stopped.
+            QCoreApplication::processEvents();
+        } else {
+            queue.AddAnimation(second);
+            queue.AddAnimation(third);
+            QTRY_COMPARE(finished.count(), 1);
+        }
+    };
+    if (!inAnnouncement)
+        connect(first, &QAbstractAnimation::stateChanged, this, runLoop);
+    queue.AddAnimation(first);
+    if (inAnnouncement) {
+        queue.AddAnimation(second);
+        queue.AddAnimation(third);
+        connect(&queue, &UtilsSequentialAnimation::SignalNewAnimationStarts, this, runLoop);
+    }
+    QTRY_COMPARE(finished.count(), 1);
+    QTRY_VERIFY(!last);
+    QCOMPARE(ends, 3);
+    QVERIFY(nested);
+}
+
+UNIPROG_TEST_MAIN(tst_UtilsSequentialAnimation)
+#include "tst_utilssequentialanimation.moc"
