@@ -1,6 +1,20 @@
 #include "ProcedureRig.h"
 
-#include <QTest>
+#include <QEventLoop>
+#include <QTimer>
+
+bool spinUntil(const std::function<bool()> &condition)
+{
+    QEventLoop loop;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
+        if (condition())
+            loop.exit(0);
+    });
+    look.start(1);
+    QTimer::singleShot(TestLimitMs, &loop, [&] { loop.exit(1); });
+    return loop.exec() == 0;
+}
 
 ProcedureLog::ProcedureLog(UtilsUniProgThread *thread)
 {
@@ -64,5 +78,5 @@ ProcedureRig::ProcedureRig()
 
 bool ProcedureRig::settle(int requests)
 {
-    return QTest::qWaitFor([&] { return log.ends >= requests && !thread.IsProcedureInProgress(); }, TestLimitMs);
+    return spinUntil([&] { return log.ends >= requests && !thread.IsProcedureInProgress(); });
 }

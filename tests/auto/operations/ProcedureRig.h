@@ -7,6 +7,15 @@
 #include <QObject>
 #include <QStringList>
 
+#include <functional>
+
+/// The longest that anything in these tests may take.
+constexpr int TestLimitMs = 30'000;
+
+/// Runs the event loop until @p condition holds; false when that takes too long. QTest::qWaitFor() sleeps between two
+/// looks, which adds up over a thousand requests.
+bool spinUntil(const std::function<bool()> &condition);
+
 /// Everything a UtilsUniProgThread says, in order and as text, as a receiver in the thread of the test hears it.
 class ProcedureLog : public QObject
 {
@@ -45,8 +54,5 @@ struct ProcedureRig
     UtilsUniProgThread thread;
     ProcedureLog log;
 };
-
-/// The longest that anything in these tests may take.
-constexpr int TestLimitMs = 30'000;
 
 #endif // PROCEDURERIG_H

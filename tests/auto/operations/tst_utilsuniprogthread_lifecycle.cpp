@@ -1,0 +1,415 @@
+#include "ProcedureRig.h"
+
+#include <UtilsUniProgThread.h>
+
+#include <UniProgTest.h>
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QThread>
+#include <QTimer>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+
+using namespace std::chrono_literals;
+using Operation = ScriptedDriver::Operation;
+using Answer = ScriptedDriver::Answer;
+
+namespace {
+
+/// Long enough that a procedure is still running when the test goes on.
+constexpr auto AWhile = 50ms;
+
+/// A thread with an event loop that ends with the scope.
+class HomeThread : public QThread
+{
+public:
+    HomeThread()
+    {
+        start();
+    }
+    ~HomeThread() override
+    {
+        quit();
+        wait();
+    }
+};
+
+void runOn(QThread *thread, const std::function<void()> &function)
+{
+    QObject context;
+    context.moveToThread(thread);
+    QMetaObject::invokeMethod(&context, function, Qt::BlockingQueuedConnection);
+    QObject *const guest = &context;
+    QThread *const back = QThread::currentThread();
+    QMetaObject::invokeMethod(
+        guest, [=] { guest->moveToThread(back); }, Qt::BlockingQueuedConnection);
+}
+
+using Delete = std::function<void(std::unique_ptr<UtilsUniProgThread> &)>;
+
+} // namespace
+
+Q_DECLARE_METATYPE(Delete)
+
+/// Where the object lives, when it is busy, and how it goes.
+class tst_UtilsUniProgThreadLifecycle : public UniProgTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theObjectIsBusyUntilItIsHome();
+    void aGivenThreadIsTheHome();
+    void aRequestFromAnotherThreadHopsHome();
+    void aRequestInsideTheCompletionSlotRuns_data();
+    void aRequestInsideTheCompletionSlotRuns();
+    void aRequestInsideTheFinishedSlotRuns_data();
+    void aRequestInsideTheFinishedSlotRuns();
+    void theObjectIsNeverIdleBetweenChainedRequests();
+    void anObjectThatWasMovedComesBackToItsHome();
+    void theEndOfAnotherThreadDoesNotBringTheObjectHome();
+    void completionIsEmittedUnderTheLockAndFinishedAfterIt();
+    void deletionInEveryPhase_data();
+    void deletionInEveryPhase();
+    void deletionWhileWaitingForTheTurn();
+    void deletionDoesNotDisturbADriverThatWaitsInAnEventLoop();
+    void deletionBeforeTheHopHasArrived();
+    void theDriverMayGoBeforeTheObject();
+};
+
+void tst_UtilsUniProgThreadLifecycle::theObjectIsBusyUntilItIsHome()
+{
+    ProcedureRig rig;
+    bool busyInSlot = false;
+    connect(
+        &rig.thread, &UtilsUniProgThread::SignalProcedureCompleted, this,
+        [&] { busyInSlot = rig.thread.IsProcedureInProgress(); }, Qt::DirectConnection);
+    rig.driver.always(Operation::FindDevice, Answer().untilReleased());
+    rig.thread.FindDevice();
+    QVERIFY(rig.thread.IsProcedureInProgress());
+    QVERIFY(rig.driver.waitUntilHeld());
+    QVERIFY(rig.thread.IsProcedureInProgress());
+    QVERIFY(rig.thread.thread() != QThread::currentThread());
+    rig.driver.release();
+    QVERIFY(rig.settle());
+    QVERIFY(busyInSlot);
+    QCOMPARE(rig.thread.thread(), QThread::currentThread());
+}
+
+void tst_UtilsUniProgThreadLifecycle::aGivenThreadIsTheHome()
+{
+    HomeThread home;
+    ScriptedDriver driver;
+    auto thread = std::make_unique<UtilsUniProgThread>(&driver, &home);
+    ProcedureLog log(thread.get());
+    QCOMPARE(thread->thread(), &home);
+    for (int i = 1; i <= 2; ++i) {
+        thread->FindDevice();
+        QVERIFY(thread->IsProcedureInProgress());
+        QVERIFY(spinUntil([&] { return log.ends == i && !thread->IsProcedureInProgress(); }));
+        QCOMPARE(thread->thread(), &home);
+    }
+    QCOMPARE(log.events, ProcedureLog::controlRun({log.events.at(1)}) + ProcedureLog::controlRun({log.events.at(1)}));
+    runOn(&home, [&] { thread.reset(); });
+}
+
+void tst_UtilsUniProgThreadLifecycle::aRequestFromAnotherThreadHopsHome()
+{
+    ProcedureRig rig;
+    int returned = -1;
+    bool busy = false;
+    std::unique_ptr<QThread> caller(QThread::create([&] {
+        returned = rig.thread.ResetTarget();
+        busy = rig.thread.IsProcedureInProgress();
+    }));
+    caller->start();
+    QVERIFY(caller->wait(TestLimitMs)); // home has not handled an event meanwhile
+    QCOMPARE(returned, 0);
+    QVERIFY(busy);
+    QCOMPARE(rig.driver.callCount(Operation::Connect), 0);
+    QVERIFY(rig.settle());
+    QCOMPARE(rig.log.lastStatus, 0);
+    QCOMPARE(rig.thread.thread(), QThread::currentThread());
+}
+
+void tst_UtilsUniProgThreadLifecycle::aRequestInsideTheCompletionSlotRuns_data()
+{
+    QTest::addColumn<Qt::ConnectionType>("type");
+    QTest::newRow("queued") << Qt::AutoConnection;
+    QTest::newRow("direct") << Qt::DirectConnection;
+    QTest::newRow("blocking") << Qt::BlockingQueuedConnection;
+}
+
+void tst_UtilsUniProgThreadLifecycle::aRequestInsideTheCompletionSlotRuns()
+{
+    QFETCH(Qt::ConnectionType, type);
+    constexpr int Requests = 30;
+    ProcedureRig rig;
+    std::atomic_int left{Requests - 1};
+    std::atomic_int refused{0};
+    connect(
+        &rig.thread, &UtilsUniProgThread::SignalProcedureCompleted, this,
+        [&] {
+            if (left-- <= 0)
+                return;
+            if (rig.thread.FindDevice() != 0 || !rig.thread.IsProcedureInProgress())
+                ++refused;
+        },
+        type);
+    rig.thread.FindDevice();
+    QVERIFY(rig.settle(Requests));
+    QCOMPARE(refused.load(), 0);
+    QCOMPARE(rig.log.completions, Requests);
+    QCOMPARE(rig.log.ends, Requests);
+    QStringList expected;
+    for (int i = 0; i < Requests; ++i)
+        expected += ProcedureLog::controlRun({ProcedureLog::line("My device signaled.", LOGGER_MESSAGE_SUCCESS)});
+    QCOMPARE(rig.log.events, expected);
+    QCOMPARE(rig.driver.interleavings(), QStringList());
+    QCOMPARE(rig.thread.thread(), QThread::currentThread());
+}
+
+void tst_UtilsUniProgThreadLifecycle::aRequestInsideTheFinishedSlotRuns_data()
+{
+    QTest::addColumn<Qt::ConnectionType>("type");
+    QTest::newRow("queued") << Qt::AutoConnection;
+    QTest::newRow("direct") << Qt::DirectConnection;
+}
+
+void tst_UtilsUniProgThreadLifecycle::aRequestInsideTheFinishedSlotRuns()
+{
+    QFETCH(Qt::ConnectionType, type);
+    constexpr int Requests = 30;
+    ProcedureRig rig;
+    std::atomic_int left{Requests - 1};
+    connect(
+        &rig.thread, &UtilsUniProgThread::finished, this,
+        [&] {
+            if (left-- > 0)
+                rig.thread.ResetTarget();
+        },
+        type);
+    rig.thread.ResetTarget();
+    QVERIFY(rig.settle(Requests));
+    QCOMPARE(rig.log.completions, Requests);
+    QCOMPARE(rig.log.lastStatus, 0);
+}
+
+void tst_UtilsUniProgThreadLifecycle::theObjectIsNeverIdleBetweenChainedRequests()
+{
+    constexpr int Requests = 100;
+    ProcedureRig rig;
+    std::atomic_int completed{0};
+    connect(
+        &rig.thread, &UtilsUniProgThread::SignalProcedureCompleted, this,
+        [&] {
+            if (completed + 1 < Requests)
+                rig.thread.FindDevice();
+            ++completed;
+        },
+        Qt::DirectConnection);
+    std::atomic_bool stop{false};
+    std::atomic_int idleTooEarly{0};
+    rig.thread.FindDevice();
+    std::unique_ptr<QThread> watcher(QThread::create([&] {
+        while (!stop) {
+            if (!rig.thread.IsProcedureInProgress() && completed < Requests)
+                ++idleTooEarly;
+            QThread::yieldCurrentThread();
+        }
+    }));
+    watcher->start();
+    const bool settled = rig.settle(Requests);
+    stop = true;
+    QVERIFY(watcher->wait(TestLimitMs));
+    QVERIFY(settled);
+    QCOMPARE(idleTooEarly.load(), 0);
+}
+
+void tst_UtilsUniProgThreadLifecycle::anObjectThatWasMovedComesBackToItsHome()
+{
+    HomeThread elsewhere;
+    ProcedureRig rig;
+    rig.thread.moveToThread(&elsewhere);
+    rig.thread.FindDevice();
+    QVERIFY(rig.settle());
+    QCOMPARE(rig.log.lastStatus, 0);
+    QCOMPARE(rig.thread.thread(), QThread::currentThread());
+}
+
+void tst_UtilsUniProgThreadLifecycle::theEndOfAnotherThreadDoesNotBringTheObjectHome()
+{
+    ProcedureRig rig;
+    QThread stranger;
+    connect(&stranger, &QThread::finished, &rig.thread, &UtilsUniProgThread::SlotProcedureFinished);
+    // A driver with an event loop of its own delivers the news in the middle of the procedure.
+    QThread *livedBefore = nullptr;
+    QThread *livedAfter = nullptr;
+    rig.driver.always(Operation::FindDevice, Answer().calling([&] {
+        livedBefore = rig.thread.thread();
+        stranger.start();
+        stranger.quit();
+        stranger.wait();
+        QCoreApplication::processEvents();
+        livedAfter = rig.thread.thread();
+    }));
+    rig.thread.FindDevice();
+    QVERIFY(rig.settle());
+    QVERIFY(livedBefore != QThread::currentThread());
+    QCOMPARE(livedAfter, livedBefore);
+
+    // At home and idle it changes nothing either.
+    rig.thread.SlotProcedureFinished();
+    QVERIFY(!rig.thread.IsProcedureInProgress());
+    QCOMPARE(rig.thread.thread(), QThread::currentThread());
+    rig.thread.FindDevice();
+    QVERIFY(rig.thread.IsProcedureInProgress());
+    QVERIFY(rig.settle(2));
+}
+
+void tst_UtilsUniProgThreadLifecycle::completionIsEmittedUnderTheLockAndFinishedAfterIt()
+{
+    ScriptedDriver driver;
+    UtilsUniProgThread first(&driver, nullptr);
+    UtilsUniProgThread second(&driver, nullptr);
+    driver.reset();
+    std::atomic_int connectsInCompletion{-1};
+    bool secondCameAfterUnlock = false;
+    connect(
+        &first, &UtilsUniProgThread::SignalProcedureCompleted, this,
+        [&] {
+            // The other object is at the door, and stays there.
+            QThread::msleep(100);
+            connectsInCompletion = driver.callCount(Operation::Connect);
+        },
+        Qt::DirectConnection);
+    connect(
+        &first, &UtilsUniProgThread::finished, this,
+        [&] { secondCameAfterUnlock = driver.waitForCall(Operation::Connect, 2); }, Qt::DirectConnection);
+    driver.next(Operation::FindDevice, Answer().untilReleased());
+    ProcedureLog firstLog(&first);
+    ProcedureLog secondLog(&second);
+    first.FindDevice();
+    QVERIFY(driver.waitUntilHeld());
+    second.FindDevice();
+    driver.release();
+    QVERIFY(spinUntil([&] { return firstLog.ends == 1 && secondLog.ends == 1; }));
+    QVERIFY(spinUntil([&] { return !first.IsProcedureInProgress() && !second.IsProcedureInProgress(); }));
+    QCOMPARE(connectsInCompletion.load(), 1);
+    QVERIFY(secondCameAfterUnlock);
+}
+
+void tst_UtilsUniProgThreadLifecycle::deletionInEveryPhase_data()
+{
+    QTest::addColumn<QString>("phase");
+    QTest::addColumn<Delete>("remove");
+    const Delete now = [](std::unique_ptr<UtilsUniProgThread> &thread) { thread.reset(); };
+    const Delete later = [](std::unique_ptr<UtilsUniProgThread> &thread) { thread.release()->deleteLater(); };
+    for (const char *phase : {"idle", "requested", "running", "completed", "finished", "completed, requested again"}) {
+        QTest::addRow("delete, %s", phase) << QString::fromLatin1(phase) << now;
+        QTest::addRow("deleteLater, %s", phase) << QString::fromLatin1(phase) << later;
+    }
+}
+
+void tst_UtilsUniProgThreadLifecycle::deletionInEveryPhase()
+{
+    QFETCH(QString, phase);
+    QFETCH(Delete, remove);
+    constexpr int Rounds = 10; // the phases are short: several tries meet more of their edges
+    for (int round = 0; round < Rounds; ++round) {
+        ScriptedDriver driver;
+        auto thread = std::make_unique<UtilsUniProgThread>(&driver, nullptr);
+        const QPointer<UtilsUniProgThread> object = thread.get();
+        ProcedureLog log(thread.get());
+        QPointer<QThread> worker;
+        const bool requested = phase != QLatin1String("idle");
+        if (phase == QLatin1String("running"))
+            driver.always(Operation::FindDevice, Answer().after(AWhile));
+        if (requested) {
+            thread->FindDevice();
+            worker = thread->thread();
+        }
+        if (phase == QLatin1String("running"))
+            QVERIFY(driver.waitForCall(Operation::FindDevice));
+        else if (phase.startsWith(QLatin1String("completed")))
+            QVERIFY(spinUntil([&] { return log.completions == 1; }));
+        else if (phase == QLatin1String("finished"))
+            QVERIFY(spinUntil([&] { return log.ends == 1; }));
+        if (phase.endsWith(QLatin1String("again")))
+            thread->FindDevice();
+
+        remove(thread);
+        QVERIFY(spinUntil([&] { return object.isNull(); }));
+        QVERIFY(spinUntil([&] { return worker.isNull(); }));
+        // What has begun has ended: the device is not left connected.
+        QCOMPARE(driver.callCount(Operation::Disconnect), driver.callCount(Operation::Connect));
+        if (requested)
+            QVERIFY(driver.callCount(Operation::Connect) >= 1);
+    }
+}
+
+void tst_UtilsUniProgThreadLifecycle::deletionWhileWaitingForTheTurn()
+{
+    ScriptedDriver driver;
+    UtilsUniProgThread holder(&driver, nullptr);
+    ProcedureLog log(&holder);
+    auto waiting = std::make_unique<UtilsUniProgThread>(&driver, nullptr);
+    driver.reset();
+    driver.next(Operation::FindDevice, Answer().after(AWhile));
+    holder.FindDevice();
+    QVERIFY(driver.waitForCall(Operation::FindDevice));
+    waiting->FindDevice();
+    waiting.reset(); // waits for its turn, and for the procedure
+    QCOMPARE(driver.callCount(Operation::FindDevice), 2);
+    QVERIFY(spinUntil([&] { return log.ends == 1 && !holder.IsProcedureInProgress(); }));
+    QCOMPARE(driver.interleavings(), QStringList());
+}
+
+void tst_UtilsUniProgThreadLifecycle::deletionDoesNotDisturbADriverThatWaitsInAnEventLoop()
+{
+    ScriptedDriver driver;
+    std::atomic_bool waitedToTheEnd{false};
+    driver.always(Operation::FindDevice, Answer().calling([&] {
+        QEventLoop loop;
+        QTimer::singleShot(AWhile, &loop, [&] {
+            waitedToTheEnd = true;
+            loop.quit();
+        });
+        loop.exec();
+    }));
+    auto thread = std::make_unique<UtilsUniProgThread>(&driver, nullptr);
+    thread->FindDevice();
+    QVERIFY(driver.waitForCall(Operation::FindDevice));
+    thread.reset();
+    QVERIFY(waitedToTheEnd);
+    QCOMPARE(driver.callCount(Operation::Disconnect), 1);
+}
+
+void tst_UtilsUniProgThreadLifecycle::deletionBeforeTheHopHasArrived()
+{
+    ScriptedDriver driver;
+    auto thread = std::make_unique<UtilsUniProgThread>(&driver, nullptr);
+    std::unique_ptr<QThread> caller(QThread::create([&] { thread->FindDevice(); }));
+    caller->start();
+    QVERIFY(caller->wait(TestLimitMs));
+    QVERIFY(thread->IsProcedureInProgress());
+    thread.reset();
+    QCoreApplication::processEvents();
+    QCOMPARE(driver.callCount(Operation::Connect), 0);
+}
+
+void tst_UtilsUniProgThreadLifecycle::theDriverMayGoBeforeTheObject()
+{
+    auto driver = std::make_unique<ScriptedDriver>();
+    UtilsUniProgThread thread(driver.get(), nullptr);
+    ProcedureLog log(&thread);
+    thread.FindDevice();
+    QVERIFY(spinUntil([&] { return log.ends == 1 && !thread.IsProcedureInProgress(); }));
+    driver.reset();
+    QVERIFY(!thread.IsProcedureInProgress());
+}
+
+UNIPROG_TEST_MAIN(tst_UtilsUniProgThreadLifecycle)
+#include "tst_utilsuniprogthread_lifecycle.moc"

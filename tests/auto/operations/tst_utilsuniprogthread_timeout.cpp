@@ -1,0 +1,150 @@
+#include "ProcedureRig.h"
+
+#include <UtilsUniProgThread.h>
+
+#include <UniProgTest.h>
+
+#include <QApplication>
+#include <QThread>
+
+#include <atomic>
+#include <memory>
+
+using Operation = ScriptedDriver::Operation;
+using Answer = ScriptedDriver::Answer;
+
+namespace {
+
+/// An object whose request waits for a device that another object holds.
+class Waiting
+{
+public:
+    Waiting()
+        : thread(std::make_unique<UtilsUniProgThread>(&driver, nullptr))
+        , log(thread.get())
+    {
+        driver.reset();
+        thread->FindDevice();
+        worker = thread->thread();
+        // Delivered on the worker, so not before its procedure has given up.
+        QMetaObject::invokeMethod(
+            thread.get(), [this] { gaveUp = true; }, Qt::QueuedConnection);
+    }
+
+    ScriptedDriver driver;
+    std::unique_ptr<UtilsUniProgThread> thread;
+    ProcedureLog log;
+    QPointer<QThread> worker;
+    std::atomic_bool gaveUp{false};
+};
+
+/// Never deleted: the process ends while its worker is still there.
+Waiting *leftBehind = nullptr;
+
+} // namespace
+
+/// A request that does not get its turn at the device within 5 s. The objects of all tests wait side by side.
+class tst_UtilsUniProgThreadTimeout : public UniProgTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void nothingIsEmittedAndTheWorkerStays();
+    void theObjectCanBeDeleted();
+    void theObjectCanBeDeletedLater();
+    void aLaterRequestRuns();
+    void aLaterRequestFromAnotherThreadRuns();
+    void aLaterRequestMayComeBeforeTheDeviceIsFree();
+    void theHolderWasNotDisturbed();
+
+private:
+    std::unique_ptr<ProcedureRig> holder;
+    std::unique_ptr<Waiting> watched;
+    std::unique_ptr<Waiting> deleted;
+    std::unique_ptr<Waiting> deletedLater;
+    std::unique_ptr<Waiting> later;
+    std::unique_ptr<Waiting> foreign;
+    std::unique_ptr<Waiting> early;
+};
+
+void tst_UtilsUniProgThreadTimeout::initTestCase()
+{
+    holder = std::make_unique<ProcedureRig>();
+    holder->driver.next(Operation::FindDevice, Answer().untilReleased());
+    holder->thread.FindDevice();
+    QVERIFY(holder->driver.waitUntilHeld());
+    for (auto *waiting : {&watched, &deleted, &deletedLater, &later, &foreign, &early})
+        *waiting = std::make_unique<Waiting>();
+    leftBehind = new Waiting;
+    for (const Waiting *waiting :
+         {watched.get(), deleted.get(), deletedLater.get(), later.get(), foreign.get(), early.get(), leftBehind})
+        QTRY_VERIFY_WITH_TIMEOUT(waiting->gaveUp, TestLimitMs);
+
+    // This one asks again while the device is still held.
+    early->thread->FindDevice();
+    holder->driver.release();
+    QVERIFY(holder->settle());
+}
+
+void tst_UtilsUniProgThreadTimeout::nothingIsEmittedAndTheWorkerStays()
+{
+    QCoreApplication::processEvents();
+    QCOMPARE(watched->log.events, QStringList());
+    QCOMPARE(watched->driver.transcript(), QStringList());
+    QVERIFY(watched->thread->IsProcedureInProgress());
+    QCOMPARE(watched->thread->thread(), watched->worker.data());
+    QVERIFY(watched->worker->isRunning());
+}
+
+void tst_UtilsUniProgThreadTimeout::theObjectCanBeDeleted()
+{
+    deleted->thread.reset();
+    QVERIFY(deleted->worker.isNull());
+}
+
+void tst_UtilsUniProgThreadTimeout::theObjectCanBeDeletedLater()
+{
+    const QPointer<UtilsUniProgThread> object = deletedLater->thread.get();
+    deletedLater->thread.release()->deleteLater();
+    QTRY_VERIFY_WITH_TIMEOUT(object.isNull() && deletedLater->worker.isNull(), TestLimitMs);
+}
+
+void tst_UtilsUniProgThreadTimeout::aLaterRequestRuns()
+{
+    for (int i = 1; i <= 2; ++i) {
+        later->thread->ResetTarget();
+        QVERIFY(later->thread->IsProcedureInProgress());
+        QTRY_VERIFY_WITH_TIMEOUT(later->log.ends == i && !later->thread->IsProcedureInProgress(), TestLimitMs);
+        QCOMPARE(later->log.lastStatus, 0);
+        QCOMPARE(later->log.completions, i); // the one that gave up is never reported
+        QCOMPARE(later->thread->thread(), QThread::currentThread());
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(later->worker.isNull(), TestLimitMs);
+    QCOMPARE(later->driver.callCount(Operation::FindDevice), 0);
+}
+
+void tst_UtilsUniProgThreadTimeout::aLaterRequestFromAnotherThreadRuns()
+{
+    std::unique_ptr<QThread> caller(QThread::create([this] { foreign->thread->ResetTarget(); }));
+    caller->start();
+    QVERIFY(caller->wait(TestLimitMs));
+    QTRY_VERIFY_WITH_TIMEOUT(foreign->log.ends == 1 && !foreign->thread->IsProcedureInProgress(), TestLimitMs);
+    QCOMPARE(foreign->log.lastStatus, 0);
+}
+
+void tst_UtilsUniProgThreadTimeout::aLaterRequestMayComeBeforeTheDeviceIsFree()
+{
+    QTRY_VERIFY_WITH_TIMEOUT(early->log.ends == 1 && !early->thread->IsProcedureInProgress(), TestLimitMs);
+    QCOMPARE(early->log.lastStatus, 0);
+    QCOMPARE(early->driver.callCount(Operation::FindDevice), 1);
+}
+
+void tst_UtilsUniProgThreadTimeout::theHolderWasNotDisturbed()
+{
+    QCOMPARE(holder->log.events,
+             ProcedureLog::controlRun({ProcedureLog::line("My device signaled.", LOGGER_MESSAGE_SUCCESS)}));
+}
+
+UNIPROG_TEST_MAIN(tst_UtilsUniProgThreadTimeout)
+#include "tst_utilsuniprogthread_timeout.moc"
