@@ -47,6 +47,8 @@ UtilsLoggerLine::~UtilsLoggerLine()
 {
     delete hidingFrame;
     animation.clear();
+    // Not left to QObject: a reveal that is still running reports its end to this line, which must be whole then.
+    qDeleteAll(findChildren<QPropertyAnimation *>(Qt::FindDirectChildrenOnly));
 }
 
 void UtilsLoggerLine::setupForm()
