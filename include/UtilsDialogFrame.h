@@ -25,7 +25,7 @@ class UtilsFade;
 ///     frame->show();
 ///
 /// The look is up to the application's style sheet, through the object names and the properties "background-color",
-/// "frame-border-color" and "frame-type" of its parts.
+/// "frame-border-color" and "frame-type" of its parts; without one the card is see-through.
 class UNIPROGUTILS_EXPORT UtilsDialogFrame : public QDialog
 {
     Q_OBJECT
