@@ -1,4 +1,4 @@
-#include <SimulatedProgrammer.h>
+#include "SimulatedTest.h"
 
 #include <UniProgTest.h>
 
@@ -45,22 +45,6 @@ private Q_SLOTS:
     void swoOutlivesTheConnectionToTheDevice();
     void swoEndsWithTheConnectionToTheTarget();
 };
-
-static void connectAll(SimulatedProgrammer &programmer, int flag = 1)
-{
-    programmer.setTimeScale(0);
-    QCOMPARE(programmer.Connect(OPERATION_TYPE_DEBUG), 0);
-    QCOMPARE(programmer.SetTargetInterfaceInUse(true), 0);
-    QCOMPARE(programmer.SetTargetClock(), 0);
-    QCOMPARE(programmer.ConnectToTarget(flag), 0);
-}
-
-static MemoryManager imageOf(quint32 address, const QByteArray &data)
-{
-    MemoryManager image;
-    image.write(address, data);
-    return image;
-}
 
 static QByteArray pattern(int size)
 {

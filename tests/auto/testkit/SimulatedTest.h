@@ -1,0 +1,56 @@
+#ifndef SIMULATEDTEST_H
+#define SIMULATEDTEST_H
+
+#include <SimulatedProgrammer.h>
+
+#include <QTest>
+#include <QThread>
+
+#include <functional>
+#include <memory>
+
+// What the tests of the simulated programmer share.
+
+inline constexpr int ThreadLimitMs = 30'000;
+
+/// Runs a function on a thread of its own and is joined at the end of the scope.
+class Worker
+{
+public:
+    explicit Worker(const std::function<void()> &function)
+        : thread(QThread::create(function))
+    {
+        thread->start();
+    }
+    ~Worker()
+    {
+        join();
+    }
+
+    bool join()
+    {
+        return thread->wait(ThreadLimitMs);
+    }
+
+private:
+    std::unique_ptr<QThread> thread;
+};
+
+/// From nothing to a connected target, without waiting.
+inline void connectAll(SimulatedProgrammer &programmer, int flag = 1)
+{
+    programmer.setTimeScale(0);
+    QCOMPARE(programmer.Connect(OPERATION_TYPE_DEBUG), 0);
+    QCOMPARE(programmer.SetTargetInterfaceInUse(true), 0);
+    QCOMPARE(programmer.SetTargetClock(), 0);
+    QCOMPARE(programmer.ConnectToTarget(flag), 0);
+}
+
+inline MemoryManager imageOf(quint32 address, const QByteArray &data)
+{
+    MemoryManager image;
+    image.write(address, data);
+    return image;
+}
+
+#endif // SIMULATEDTEST_H

@@ -1,0 +1,766 @@
+#include "SimulatedTest.h"
+
+#include <UniProgTest.h>
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QMetaEnum>
+#include <QSignalSpy>
+
+#include <limits>
+
+using Operation = SimulatedProgrammer::Operation;
+using Effect = SimulatedProgrammer::Effect;
+using Fault = SimulatedProgrammer::Fault;
+
+static constexpr int BlockSize = SimulatedProgrammer::ProgramBlockSize;
+static constexpr int LoaderBlockSize = SimulatedProgrammer::BootloaderBlockSize;
+
+class tst_SimulatedFaults : public UniProgTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyNameOfTheHelpIsUnderstood();
+    void textsAreRead_data();
+    void textsAreRead();
+    void wrongTextsAreExplained_data();
+    void wrongTextsAreExplained();
+    void everyOperationCanFail_data();
+    void everyOperationCanFail();
+    void onlyTheGivenCallFails();
+    void callsAreCountedFromTheMomentTheFaultWasAdded();
+    void theFaultAddedFirstStrikesFirst();
+    void aFaultOfOneConnectionHitsTheOther();
+    void aFaultOfOneEraseHitsTheOther();
+    void releasingTheInterfaceCannotFail();
+    void aWriteFailsAtItsBlock();
+    void aWriteFailsAfterItsBytes_data();
+    void aWriteFailsAfterItsBytes();
+    void aReadFailsAtItsBlock();
+    void anEraseFailsAtItsSector();
+    void aVerifyMismatchIsDamagedFlash();
+    void corruptionHitsItsBlock_data();
+    void corruptionHitsItsBlock();
+    void aBootloaderBlockFailsAtEveryAttempt();
+    void aBootloaderCallFailsOnce();
+    void aCorruptBootloaderBlockIsFoundByTheCrc();
+    void theLinkIsLostAtABlock();
+    void aHangingWriteGoesOnWhenReleased();
+    void aHangingWriteEndsWithTheLink();
+    void clearingTheFaultsReleasesAHang();
+    void aDelayedCallSucceeds();
+    void slownessIsForgottenWithTheFaults();
+};
+
+void tst_SimulatedFaults::everyNameOfTheHelpIsUnderstood()
+{
+    const QStringList names = SimulatedProgrammer::faultNames();
+    QCOMPARE(QSet<QString>(names.cbegin(), names.cend()).size(), names.size());
+    for (const char *name : {"device-connect", "interface-in-use", "clock", "target-connect", "erase", "write",
+                             "verify", "verify-mismatch", "target-disconnect", "bootloader-write", "slow"})
+        QVERIFY2(names.contains(QLatin1String(name)), name);
+    for (const QString &name : names) {
+        SimulatedProgrammer programmer;
+        QString error = QStringLiteral("untouched");
+        QVERIFY(programmer.addFault(name == u"slow" ? QStringLiteral("slow=2") : name, &error));
+        QCOMPARE(error, QString());
+    }
+}
+
+void tst_SimulatedFaults::textsAreRead_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QList<int>>("statuses");
+
+    // What three writes of four blocks give.
+    const int own = SimulatedProgrammer::WriteError;
+    const int lost = SimulatedProgrammer::LinkLost;
+    QTest::newRow("name only") << "write" << QList<int>{own, own, own};
+    QTest::newRow("status") << "write=7" << QList<int>{7, 7, 7};
+    QTest::newRow("negative status") << "write=-1" << QList<int>{-1, -1, -1};
+    QTest::newRow("one call") << "write@call=2" << QList<int>{0, own, 0};
+    QTest::newRow("one call, status") << "write@call=3:9" << QList<int>{0, 0, 9};
+    QTest::newRow("block") << "write@block=4:9" << QList<int>{9, 9, 9};
+    QTest::newRow("block there is not") << "write@block=5:9" << QList<int>{0, 0, 0};
+    QTest::newRow("byte") << "write@byte=1023:9" << QList<int>{9, 9, 9};
+    QTest::newRow("byte there is not") << "write@byte=1024:9" << QList<int>{0, 0, 0};
+    QTest::newRow("call and block") << "write@call=2,block=3:9" << QList<int>{0, 9, 0};
+    QTest::newRow("block and byte of it") << "write@block=2,byte=300:9" << QList<int>{9, 9, 9};
+    QTest::newRow("block and byte of another") << "write@block=2,byte=600:9" << QList<int>{0, 0, 0};
+    QTest::newRow("link lost") << "write@call=2:link-lost" << QList<int>{0, lost, lost};
+    QTest::newRow("delay") << "write=1ms" << QList<int>{0, 0, 0};
+    QTest::newRow("no delay at all") << "write=0ms" << QList<int>{0, 0, 0};
+    QTest::newRow("another operation") << "read=5" << QList<int>{0, 0, 0};
+    QTest::newRow("slow") << "slow=1000" << QList<int>{0, 0, 0};
+}
+
+void tst_SimulatedFaults::textsAreRead()
+{
+    QFETCH(QString, text);
+    QFETCH(QList<int>, statuses);
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    QVERIFY(programmer.addFault(text));
+    MemoryManager image = imageOf(0, QByteArray(4 * BlockSize, '\x21'));
+    QList<int> seen;
+    for (int i = 0; i < 3; ++i)
+        seen.append(programmer.WriteTarget(&image, 0));
+    QCOMPARE(seen, statuses);
+
+    programmer.clearFaults();
+    if (programmer.isConnected())
+        QCOMPARE(programmer.WriteTarget(&image, 0), 0);
+}
+
+void tst_SimulatedFaults::wrongTextsAreExplained_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("part");
+
+    QTest::newRow("empty") << ""
+                           << "there is no fault \"\"";
+    QTest::newRow("unknown name") << "writing=5"
+                                  << "there is no fault \"writing\"";
+    QTest::newRow("name with blank") << "write =5"
+                                     << "there is no fault \"write \"";
+    QTest::newRow("no outcome") << "write="
+                                << "\"\" is no outcome";
+    QTest::newRow("success") << "write=0"
+                             << "\"0\" is no outcome";
+    QTest::newRow("word") << "write=badly"
+                          << "\"badly\" is no outcome";
+    QTest::newRow("too large") << "write=4294967296"
+                               << "\"4294967296\" is no outcome";
+    QTest::newRow("negative time") << "write=-5ms"
+                                   << "\"-5ms\" is no outcome";
+    QTest::newRow("no time") << "write=ms"
+                             << "\"ms\" is no outcome";
+    QTest::newRow("no condition") << "write@"
+                                  << "\"\" is no condition";
+    QTest::newRow("no condition, outcome") << "write@:5"
+                                           << "\"\" is no condition";
+    QTest::newRow("unknown condition") << "write@page=3:5"
+                                       << "\"page=3\" is no condition";
+    QTest::newRow("condition without number") << "write@block:5"
+                                              << "\"block\" is no condition";
+    QTest::newRow("second condition") << "write@block=1,:5"
+                                      << "\"\" is no condition";
+    QTest::newRow("block 0") << "write@block=0:5"
+                             << "\"block=0\" is no condition";
+    QTest::newRow("negative call") << "write@call=-1:5"
+                                   << "\"call=-1\" is no condition";
+    QTest::newRow("call with plus") << "write@call=+1:5"
+                                    << "\"call=+1\" is no condition";
+    QTest::newRow("huge block") << "write@block=99999999999:5"
+                                << "\"block=99999999999\" is no condition";
+    QTest::newRow("two outcomes") << "write@block=3:5:6"
+                                  << "\"5:6\" is no outcome";
+    QTest::newRow("blocks of a connection") << "device-connect@block=1"
+                                            << "does not work in blocks";
+    QTest::newRow("corrupt connection") << "device-connect=corrupt"
+                                        << "does not work in blocks";
+    QTest::newRow("slow without number") << "slow"
+                                         << "from 1 to 1000";
+    QTest::newRow("slow by nothing") << "slow=0"
+                                     << "from 1 to 1000";
+    QTest::newRow("slow without end") << "slow=1001"
+                                      << "from 1 to 1000";
+    QTest::newRow("slow call") << "slow@call=1"
+                               << "there is no fault \"slow\"";
+    QTest::newRow("abbreviation with status") << "verify-mismatch=5"
+                                              << "there is no fault \"verify-mismatch\"";
+}
+
+void tst_SimulatedFaults::wrongTextsAreExplained()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, part);
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    QString error;
+    QVERIFY(!programmer.addFault(text, &error));
+    QVERIFY2(error.startsWith(u'"' + text + u'"'), qPrintable(error));
+    QVERIFY2(error.contains(part), qPrintable(error));
+    QVERIFY(!programmer.addFault(text));
+    MemoryManager image = imageOf(0, "data");
+    QCOMPARE(programmer.WriteTarget(&image, 0), 0);
+}
+
+/// Calls an operation with arguments that are right.
+static int callOf(SimulatedProgrammer &p, Operation operation)
+{
+    TSelectedDevice device = p.devices().constFirst();
+    TConfiguration configuration;
+    TPowerInfo powerInfo;
+    TPowerSupplyState supply;
+    unsigned char bytes[4] = {};
+    unsigned short size = sizeof bytes;
+    bool flag = false;
+    QByteArray info;
+    MemoryManager memory = imageOf(0, "data");
+    const QByteArray block(LoaderBlockSize, '\x55');
+    switch (operation) {
+    case Operation::Connect:
+        return p.Connect(OPERATION_TYPE_DEBUG);
+    case Operation::ConnectSelectedDevice:
+        return p.ConnectSelectedDevice(&device, OPERATION_TYPE_DEBUG);
+    case Operation::Disconnect:
+        return p.Disconnect();
+    case Operation::CommitConfiguration:
+        return p.CommitConfiguration();
+    case Operation::WiFiServerStart:
+        return p.WiFiServerStart();
+    case Operation::FindDevice:
+        return p.FindDevice();
+    case Operation::GetDeviceConfiguration:
+        return p.GetDeviceConfiguration(&configuration);
+    case Operation::SetDeviceConfiguration:
+        return p.SetDeviceConfiguration(&configuration);
+    case Operation::ConnectToTarget:
+        return p.ConnectToTarget(1);
+    case Operation::SetTargetClock:
+        return p.SetTargetClock();
+    case Operation::DisconnectFromTarget:
+        return p.DisconnectFromTarget();
+    case Operation::SetTargetInterfaceInUse:
+        return p.SetTargetInterfaceInUse(true);
+    case Operation::SetWiFiLinkPassword:
+        return p.SetWiFiLinkPassword(QString(), true);
+    case Operation::ResetTarget:
+        return p.ResetTarget(0);
+    case Operation::SwoGetData:
+        return p.SwoGetData(bytes, &size);
+    case Operation::SwoEnable:
+        return p.SwoEnable(0);
+    case Operation::ReadTarget:
+        return p.ReadTarget(&memory);
+    case Operation::DetectTarget:
+        return p.DetectTarget(&flag);
+    case Operation::VerifyTarget:
+        return p.VerifyTarget(&memory, &flag, 0);
+    case Operation::WriteTarget:
+        return p.WriteTarget(&memory, 0);
+    case Operation::EraseTargetMass:
+        return p.EraseTargetMass();
+    case Operation::EraseTarget:
+        return p.EraseTarget(&memory);
+    case Operation::CheckTargetBlank:
+        return p.CheckTargetBlank(&flag, false);
+    case Operation::BootloaderEnter:
+        return p.BootloaderEnter();
+    case Operation::BootloaderErase:
+        return p.BootloaderErase(SimulatedProgrammer::BootloaderStart, 1);
+    case Operation::BootloaderWrite:
+        return p.BootloaderWrite(SimulatedProgrammer::BootloaderStart, LoaderBlockSize, block.constData());
+    case Operation::BootloaderVerify:
+        return p.BootloaderVerify(SimulatedProgrammer::crc32(block), LoaderBlockSize);
+    case Operation::BootloaderGetInfo:
+        return p.BootloaderGetInfo(&info);
+    case Operation::BootloaderExit:
+        return p.BootloaderExit();
+    case Operation::PowerSwitch:
+        return p.PowerSwitch(0, 1);
+    case Operation::PowerSetVoltage:
+        return p.PowerSetVoltage(0, 3.0F);
+    case Operation::PowerSetBatteryOptions:
+        return p.PowerSetBatteryOptions(1);
+    case Operation::PowerGetReadings:
+        return p.PowerGetReadings(bytes, sizeof bytes);
+    case Operation::PowerGetInfo:
+        return p.PowerGetInfo(&powerInfo);
+    case Operation::PowerSaveConfiguration:
+        return p.PowerSaveConfiguration();
+    case Operation::PowerGetSupplyState:
+        return p.PowerGetSupplyState(&supply);
+    case Operation::PowerBootloaderActivate:
+        return p.PowerBootloaderActivate();
+    case Operation::PowerBootloaderReset:
+        return p.PowerBootloaderReset();
+    case Operation::PowerBootloaderErase:
+        return p.PowerBootloaderErase(1);
+    case Operation::PowerBootloaderWrite:
+        return p.PowerBootloaderWrite(SimulatedProgrammer::PowerBootloaderStart, LoaderBlockSize, block.constData());
+    case Operation::PowerBootloaderVerify:
+        return p.PowerBootloaderVerify(SimulatedProgrammer::crc32(block), LoaderBlockSize, &flag);
+    case Operation::PowerBootloaderGetInfo:
+        return p.PowerBootloaderGetInfo();
+    }
+    return -1;
+}
+
+static void addOperation(const char *fault, Operation operation, const QList<Operation> &before)
+{
+    QTest::newRow(QMetaEnum::fromType<Operation>().valueToKey(int(operation))) << fault << operation << before;
+}
+
+void tst_SimulatedFaults::everyOperationCanFail_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::addColumn<Operation>("operation");
+    QTest::addColumn<QList<Operation>>("before");
+
+    const QList<Operation> nothing;
+    const QList<Operation> device{Operation::Connect};
+    const QList<Operation> interface = device + QList{Operation::SetTargetInterfaceInUse, Operation::SetTargetClock};
+    const QList<Operation> target = interface + QList{Operation::ConnectToTarget};
+    const QList<Operation> loader = device + QList{Operation::BootloaderEnter};
+    const QList<Operation> power = device + QList{Operation::PowerBootloaderActivate};
+
+    addOperation("device-connect", Operation::Connect, nothing);
+    addOperation("device-connect", Operation::ConnectSelectedDevice, nothing);
+    addOperation("device-disconnect", Operation::Disconnect, device);
+    addOperation("configuration-commit", Operation::CommitConfiguration,
+                 device + QList{Operation::SetDeviceConfiguration});
+    addOperation("wifi-start", Operation::WiFiServerStart, device);
+    addOperation("find-device", Operation::FindDevice, device);
+    addOperation("configuration-get", Operation::GetDeviceConfiguration, device);
+    addOperation("configuration-set", Operation::SetDeviceConfiguration, device);
+    addOperation("target-connect", Operation::ConnectToTarget, interface);
+    addOperation("clock", Operation::SetTargetClock, device + QList{Operation::SetTargetInterfaceInUse});
+    addOperation("target-disconnect", Operation::DisconnectFromTarget, target);
+    addOperation("interface-in-use", Operation::SetTargetInterfaceInUse, device);
+    addOperation("reset", Operation::ResetTarget, target);
+    addOperation("swo-enable", Operation::SwoEnable, target);
+    addOperation("swo-data", Operation::SwoGetData, target + QList{Operation::SwoEnable});
+    addOperation("read", Operation::ReadTarget, target);
+    addOperation("detect", Operation::DetectTarget, target);
+    addOperation("verify", Operation::VerifyTarget, target);
+    addOperation("write", Operation::WriteTarget, target);
+    addOperation("erase", Operation::EraseTargetMass, target);
+    addOperation("erase", Operation::EraseTarget, target);
+    addOperation("blank-check", Operation::CheckTargetBlank, target);
+    addOperation("bootloader-enter", Operation::BootloaderEnter, device);
+    addOperation("bootloader-erase", Operation::BootloaderErase, loader);
+    addOperation("bootloader-write", Operation::BootloaderWrite, loader + QList{Operation::BootloaderErase});
+    addOperation("bootloader-verify", Operation::BootloaderVerify,
+                 loader + QList{Operation::BootloaderErase, Operation::BootloaderWrite});
+    addOperation("bootloader-info", Operation::BootloaderGetInfo, loader);
+    addOperation("bootloader-exit", Operation::BootloaderExit, loader);
+    addOperation("power-switch", Operation::PowerSwitch, device);
+    addOperation("power-voltage", Operation::PowerSetVoltage, device);
+    addOperation("power-battery", Operation::PowerSetBatteryOptions, device);
+    addOperation("power-readings", Operation::PowerGetReadings, device);
+    addOperation("power-info", Operation::PowerGetInfo, device);
+    addOperation("power-save", Operation::PowerSaveConfiguration, device);
+    addOperation("power-supply", Operation::PowerGetSupplyState, device);
+    addOperation("power-bootloader-activate", Operation::PowerBootloaderActivate, device);
+    addOperation("power-bootloader-reset", Operation::PowerBootloaderReset, power);
+    addOperation("power-bootloader-erase", Operation::PowerBootloaderErase, power);
+    addOperation("power-bootloader-write", Operation::PowerBootloaderWrite,
+                 power + QList{Operation::PowerBootloaderErase});
+    addOperation("power-bootloader-verify", Operation::PowerBootloaderVerify,
+                 power + QList{Operation::PowerBootloaderErase, Operation::PowerBootloaderWrite});
+    addOperation("power-bootloader-info", Operation::PowerBootloaderGetInfo, power);
+}
+
+void tst_SimulatedFaults::everyOperationCanFail()
+{
+    QFETCH(QString, fault);
+    QFETCH(Operation, operation);
+    QFETCH(QList<Operation>, before);
+    SimulatedProgrammer programmer;
+    programmer.setTimeScale(0);
+    for (const Operation step : std::as_const(before))
+        QCOMPARE(callOf(programmer, step), 0);
+    programmer.clearRecord();
+
+    QVERIFY(programmer.addFault(fault));
+    const int own = callOf(programmer, operation);
+    QVERIFY2(own > 100, qPrintable(QString::number(own)));
+    programmer.clearFaults();
+
+    Fault chosen;
+    chosen.operation = operation;
+    chosen.status = 77;
+    programmer.addFault(chosen);
+    QCOMPARE(callOf(programmer, operation), 77);
+    QCOMPARE(programmer.callCount(operation), 2);
+    QCOMPARE(programmer.successCount(operation), 0);
+    programmer.clearFaults();
+
+    // A failed call has changed nothing that keeps the next from succeeding.
+    QCOMPARE(callOf(programmer, operation), 0);
+    QCOMPARE(programmer.callCount(operation), 3);
+    QCOMPARE(programmer.successCount(operation), 1);
+    QCOMPARE(programmer.refusals(), QStringList());
+}
+
+void tst_SimulatedFaults::onlyTheGivenCallFails()
+{
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    Fault fault;
+    fault.operation = Operation::ResetTarget;
+    fault.status = 5;
+    fault.call = 3;
+    programmer.addFault(fault);
+    QList<int> statuses;
+    for (int i = 0; i < 5; ++i)
+        statuses.append(programmer.ResetTarget(0));
+    QCOMPARE(statuses, (QList<int>{0, 0, 5, 0, 0}));
+}
+
+void tst_SimulatedFaults::callsAreCountedFromTheMomentTheFaultWasAdded()
+{
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    QCOMPARE(programmer.ResetTarget(0), 0);
+    QVERIFY(programmer.addFault(QStringLiteral("reset@call=2:5")));
+    QCOMPARE(programmer.ResetTarget(0), 0);
+    // A call that is refused is none.
+    QCOMPARE(programmer.ResetTarget(1), int(SimulatedProgrammer::InvalidArgument));
+    QVERIFY(programmer.addFault(QStringLiteral("reset@call=2:6")));
+    QCOMPARE(programmer.ResetTarget(0), 5);
+    QCOMPARE(programmer.ResetTarget(0), 6);
+    QCOMPARE(programmer.ResetTarget(0), 0);
+}
+
+void tst_SimulatedFaults::theFaultAddedFirstStrikesFirst()
+{
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    QVERIFY(programmer.addFault(QStringLiteral("reset=1ms")));
+    QVERIFY(programmer.addFault(QStringLiteral("reset=6")));
+    QVERIFY(programmer.addFault(QStringLiteral("reset=7")));
+    QCOMPARE(programmer.ResetTarget(0), 6);
+}
+
+void tst_SimulatedFaults::aFaultOfOneConnectionHitsTheOther()
+{
+    SimulatedProgrammer programmer;
+    programmer.setTimeScale(0);
+    Fault fault;
+    fault.operation = Operation::ConnectSelectedDevice;
+    fault.status = 12;
+    fault.call = 2;
+    programmer.addFault(fault);
+    TSelectedDevice device = programmer.devices().constFirst();
+    QCOMPARE(programmer.ConnectSelectedDevice(&device, OPERATION_TYPE_DEBUG), 0);
+    QCOMPARE(programmer.Disconnect(), 0);
+    QCOMPARE(programmer.Connect(OPERATION_TYPE_DEBUG), 12);
+    QVERIFY(!programmer.isConnected());
+}
+
+void tst_SimulatedFaults::aFaultOfOneEraseHitsTheOther()
+{
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    QVERIFY(programmer.addFault(QStringLiteral("erase=7")));
+    MemoryManager image = imageOf(0, "data");
+    QCOMPARE(programmer.EraseTarget(&image), 7);
+    QCOMPARE(programmer.EraseTargetMass(), 7);
+}
+
+void tst_SimulatedFaults::releasingTheInterfaceCannotFail()
+{
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    QVERIFY(programmer.addFault(QStringLiteral("interface-in-use@call=1:5")));
+    QCOMPARE(programmer.SetTargetInterfaceInUse(false), 0);
+    QVERIFY(!programmer.isInterfaceTaken());
+    QCOMPARE(programmer.SetTargetInterfaceInUse(true), 5);
+    QVERIFY(!programmer.isInterfaceTaken());
+    QCOMPARE(programmer.SetTargetInterfaceInUse(true), 0);
+}
+
+void tst_SimulatedFaults::aWriteFailsAtItsBlock()
+{
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    QVERIFY(programmer.addFault(QStringLiteral("write@block=3:5")));
+    QSignalSpy progress(&programmer, &SimulatedProgrammer::SignalUpdateProgress);
+    MemoryManager image = imageOf(0, QByteArray(4 * BlockSize, '\x21'));
+    QCOMPARE(programmer.WriteTarget(&image, 0), 5);
+    QCOMPARE(programmer.flash().read(0, 4 * BlockSize),
+             QByteArray(2 * BlockSize, '\x21') + QByteArray(2 * BlockSize, '\xFF'));
+    QCOMPARE(programmer.bytesWritten(), 2 * BlockSize);
+    QCOMPARE(progress.last().first().toInt(), 50);
+}
+
+void tst_SimulatedFaults::aWriteFailsAfterItsBytes_data()
+{
+    QTest::addColumn<int>("bytes");
+    for (const int bytes : {0, 1, BlockSize - 1, BlockSize, BlockSize + 1, 2 * BlockSize - 1})
+        QTest::newRow(qPrintable(QString::number(bytes))) << bytes;
+}
+
+void tst_SimulatedFaults::aWriteFailsAfterItsBytes()
+{
+    QFETCH(int, bytes);
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    QVERIFY(programmer.addFault(QStringLiteral("write@byte=%1:5").arg(bytes)));
+    MemoryManager image = imageOf(0, QByteArray(2 * BlockSize, '\x21'));
+    QCOMPARE(programmer.WriteTarget(&image, 0), 5);
+    QCOMPARE(programmer.flash().read(0, 2 * BlockSize),
+             QByteArray(bytes, '\x21') + QByteArray(2 * BlockSize - bytes, '\xFF'));
+    QCOMPARE(programmer.bytesWritten(), bytes);
+}
+
+void tst_SimulatedFaults::aReadFailsAtItsBlock()
+{
+    SimulatedProgrammer programmer;
+    QVERIFY(programmer.setFlash(0, QByteArray(4 * BlockSize, '\x21')));
+    connectAll(programmer);
+    QVERIFY(programmer.addFault(QStringLiteral("read@block=2:5")));
+    MemoryManager memory;
+    QCOMPARE(programmer.ReadTarget(&memory), 5);
+    QCOMPARE(memory.size(), BlockSize);
+    QCOMPARE(memory.read(0, BlockSize), QByteArray(BlockSize, '\x21'));
+}
+
+void tst_SimulatedFaults::anEraseFailsAtItsSector()
+{
+    SimulatedProgrammer programmer;
+    QVERIFY(programmer.setFlash(0, QByteArray(4096, '\0')));
+    connectAll(programmer);
+    QVERIFY(programmer.addFault(QStringLiteral("erase@block=3:5")));
+    QCOMPARE(programmer.EraseTargetMass(), 5);
+    QCOMPARE(programmer.sectorsErased(), 2);
+    QCOMPARE(programmer.flash().read(0, 4096), QByteArray(2048, '\xFF') + QByteArray(2048, '\0'));
+}
+
+void tst_SimulatedFaults::aVerifyMismatchIsDamagedFlash()
+{
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    QVERIFY(programmer.addFault(QStringLiteral("verify-mismatch")));
+    MemoryManager image = imageOf(0, QByteArray(1000, '\x21'));
+    QCOMPARE(programmer.WriteTarget(&image, 0), 0);
+    bool verified = true;
+    QCOMPARE(programmer.VerifyTarget(&image, &verified, 0), 0);
+    QVERIFY(!verified);
+    QVERIFY(programmer.flash().read(0, 1000) != QByteArray(1000, '\x21'));
+
+    // It is the memory that is wrong, not the comparison.
+    programmer.clearFaults();
+    QCOMPARE(programmer.VerifyTarget(&image, &verified, 0), 0);
+    QVERIFY(!verified);
+}
+
+void tst_SimulatedFaults::corruptionHitsItsBlock_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::addColumn<Operation>("operation");
+    QTest::addColumn<int>("address");
+
+    QTest::newRow("writing") << "write@block=2:corrupt" << Operation::WriteTarget << BlockSize;
+    QTest::newRow("writing, by bytes") << "write@byte=600:corrupt" << Operation::WriteTarget << 2 * BlockSize;
+    QTest::newRow("verifying") << "verify@block=4:corrupt" << Operation::VerifyTarget << 3 * BlockSize;
+    QTest::newRow("checking") << "blank-check=corrupt" << Operation::CheckTargetBlank << 0;
+    QTest::newRow("erasing") << "erase@block=2:corrupt" << Operation::EraseTargetMass << 1024;
+    QTest::newRow("reading") << "read@block=3:corrupt" << Operation::ReadTarget << 2 * BlockSize;
+}
+
+void tst_SimulatedFaults::corruptionHitsItsBlock()
+{
+    QFETCH(QString, fault);
+    QFETCH(Operation, operation);
+    QFETCH(int, address);
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    QVERIFY(programmer.addFault(fault));
+    MemoryManager image = imageOf(0, QByteArray(8 * BlockSize, '\xFF'));
+    bool flag = true;
+    switch (operation) {
+    case Operation::WriteTarget:
+        QCOMPARE(programmer.WriteTarget(&image, 0), 0);
+        break;
+    case Operation::VerifyTarget:
+        QCOMPARE(programmer.VerifyTarget(&image, &flag, 0), 0);
+        break;
+    case Operation::CheckTargetBlank:
+        QCOMPARE(programmer.CheckTargetBlank(&flag, false), 0);
+        break;
+    case Operation::EraseTargetMass:
+        QCOMPARE(programmer.EraseTargetMass(), 0);
+        break;
+    default:
+        QCOMPARE(programmer.ReadTarget(&image), 0);
+        break;
+    }
+
+    const bool reading = operation == Operation::ReadTarget;
+    QByteArray expected(8 * BlockSize, '\xFF');
+    expected[address] = '\xFE';
+    QCOMPARE((reading ? image : programmer.flash()).read(0, 8 * BlockSize), expected);
+    if (reading)
+        QCOMPARE(programmer.flash().read(0, 8 * BlockSize), QByteArray(8 * BlockSize, '\xFF'));
+    QCOMPARE(flag, operation != Operation::VerifyTarget && operation != Operation::CheckTargetBlank);
+}
+
+void tst_SimulatedFaults::aBootloaderBlockFailsAtEveryAttempt()
+{
+    SimulatedProgrammer programmer;
+    programmer.setTimeScale(0);
+    QCOMPARE(programmer.Connect(OPERATION_TYPE_CONFIGURATION), 0);
+    QCOMPARE(programmer.PowerBootloaderActivate(), 0);
+    QCOMPARE(programmer.PowerBootloaderErase(2), 0);
+    QVERIFY(programmer.addFault(QStringLiteral("power-bootloader-write@block=2:5")));
+    const QByteArray block(LoaderBlockSize, '\x21');
+    const quint32 start = SimulatedProgrammer::PowerBootloaderStart;
+    QCOMPARE(programmer.PowerBootloaderWrite(start, LoaderBlockSize, block.constData()), 0);
+    QCOMPARE(programmer.PowerBootloaderWrite(start + LoaderBlockSize, LoaderBlockSize, block.constData()), 5);
+    QCOMPARE(programmer.PowerBootloaderWrite(start + LoaderBlockSize, LoaderBlockSize, block.constData()), 5);
+    QCOMPARE(programmer.PowerBootloaderWrite(start + 2 * LoaderBlockSize, LoaderBlockSize, block.constData()), 0);
+    QCOMPARE(programmer.powerFirmware(3 * LoaderBlockSize), block + QByteArray(LoaderBlockSize, '\xFF') + block);
+}
+
+void tst_SimulatedFaults::aBootloaderCallFailsOnce()
+{
+    SimulatedProgrammer programmer;
+    programmer.setTimeScale(0);
+    QCOMPARE(programmer.Connect(OPERATION_TYPE_CONFIGURATION), 0);
+    QCOMPARE(programmer.BootloaderEnter(), 0);
+    QCOMPARE(programmer.BootloaderErase(SimulatedProgrammer::BootloaderStart, 2), 0);
+    // Half of the second block is written when it fails; the second attempt completes it.
+    QVERIFY(programmer.addFault(QStringLiteral("bootloader-write@call=2,byte=%1:5").arg(LoaderBlockSize * 3 / 2)));
+    const QByteArray block(LoaderBlockSize, '\x21');
+    const quint32 start = SimulatedProgrammer::BootloaderStart;
+    QCOMPARE(programmer.BootloaderWrite(start, LoaderBlockSize, block.constData()), 0);
+    QCOMPARE(programmer.BootloaderWrite(start + LoaderBlockSize, LoaderBlockSize, block.constData()), 5);
+    QCOMPARE(programmer.firmware(2 * LoaderBlockSize),
+             QByteArray(LoaderBlockSize * 3 / 2, '\x21') + QByteArray(LoaderBlockSize / 2, '\xFF'));
+    QCOMPARE(programmer.BootloaderWrite(start + LoaderBlockSize, LoaderBlockSize, block.constData()), 0);
+    QCOMPARE(programmer.firmware(2 * LoaderBlockSize), block + block);
+}
+
+void tst_SimulatedFaults::aCorruptBootloaderBlockIsFoundByTheCrc()
+{
+    const QByteArray block(LoaderBlockSize, '\x21');
+    for (const char *fault : {"power-bootloader-write=corrupt", "power-bootloader-mismatch"}) {
+        SimulatedProgrammer programmer;
+        programmer.setTimeScale(0);
+        QVERIFY(programmer.addFault(QLatin1String(fault)));
+        QCOMPARE(programmer.Connect(OPERATION_TYPE_CONFIGURATION), 0);
+        QCOMPARE(programmer.PowerBootloaderActivate(), 0);
+        QCOMPARE(programmer.PowerBootloaderErase(1), 0);
+        QCOMPARE(programmer.PowerBootloaderWrite(SimulatedProgrammer::PowerBootloaderStart, LoaderBlockSize,
+                                                 block.constData()),
+                 0);
+        bool mismatch = false;
+        QCOMPARE(programmer.PowerBootloaderVerify(SimulatedProgrammer::crc32(block), LoaderBlockSize, &mismatch), 0);
+        QVERIFY(mismatch);
+    }
+}
+
+void tst_SimulatedFaults::theLinkIsLostAtABlock()
+{
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    QVERIFY(programmer.addFault(QStringLiteral("write@call=1,block=2:link-lost")));
+    MemoryManager image = imageOf(0, QByteArray(4 * BlockSize, '\x21'));
+    const int lost = SimulatedProgrammer::LinkLost;
+    QCOMPARE(programmer.WriteTarget(&image, 0), lost);
+    QCOMPARE(programmer.bytesWritten(), BlockSize);
+    QVERIFY(!programmer.isConnected());
+    QVERIFY(!programmer.isInterfaceTaken());
+    QVERIFY(!programmer.isTargetConnected());
+
+    // What the library still tries is in vain, and no mistake.
+    QCOMPARE(programmer.ResetTarget(0), lost);
+    QCOMPARE(programmer.DisconnectFromTarget(), lost);
+    QCOMPARE(programmer.SetTargetInterfaceInUse(false), lost);
+    QCOMPARE(programmer.Disconnect(), lost);
+    QCOMPARE(programmer.refusals(), QStringList());
+
+    connectAll(programmer);
+    QCOMPARE(programmer.WriteTarget(&image, 0), 0);
+}
+
+void tst_SimulatedFaults::aHangingWriteGoesOnWhenReleased()
+{
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    QVERIFY(programmer.addFault(QStringLiteral("write@block=2:hang")));
+    MemoryManager image = imageOf(0, QByteArray(4 * BlockSize, '\x21'));
+    int status = -1;
+    Worker worker([&] { status = programmer.WriteTarget(&image, 0); });
+    QTRY_VERIFY_WITH_TIMEOUT(programmer.isHanging(), ThreadLimitMs);
+    QCOMPARE(programmer.bytesWritten(), BlockSize);
+
+    // Nobody else gets in meanwhile, and the target stays what it is.
+    bool detected = false;
+    QCOMPARE(programmer.DetectTarget(&detected), int(SimulatedProgrammer::Busy));
+    QCOMPARE(programmer.refusals(), QStringList{QStringLiteral("DetectTarget: another operation is running")});
+    QVERIFY(!programmer.setFlashRegions(SimulatedProgrammer::defaultFlashRegions()));
+    QVERIFY(programmer.isHanging());
+
+    programmer.releaseHang();
+    QVERIFY(worker.join());
+    QVERIFY(!programmer.isHanging());
+    QCOMPARE(status, 0);
+    QCOMPARE(programmer.bytesWritten(), 4 * BlockSize);
+    QCOMPARE(programmer.DetectTarget(&detected), 0);
+}
+
+void tst_SimulatedFaults::aHangingWriteEndsWithTheLink()
+{
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    QVERIFY(programmer.addFault(QStringLiteral("write=hang")));
+    MemoryManager image = imageOf(0, "data");
+    int status = -1;
+    Worker worker([&] { status = programmer.WriteTarget(&image, 0); });
+    QTRY_VERIFY_WITH_TIMEOUT(programmer.isHanging(), ThreadLimitMs);
+    programmer.loseLink();
+    QVERIFY(worker.join());
+    QCOMPARE(status, int(SimulatedProgrammer::LinkLost));
+    QCOMPARE(programmer.bytesWritten(), 0);
+    QVERIFY(!programmer.isHanging());
+}
+
+void tst_SimulatedFaults::clearingTheFaultsReleasesAHang()
+{
+    SimulatedProgrammer programmer;
+    programmer.setTimeScale(0);
+    QVERIFY(programmer.addFault(QStringLiteral("device-connect=hang")));
+    int status = -1;
+    Worker worker([&] { status = programmer.Connect(OPERATION_TYPE_DEBUG); });
+    QTRY_VERIFY_WITH_TIMEOUT(programmer.isHanging(), ThreadLimitMs);
+    programmer.clearFaults();
+    QVERIFY(worker.join());
+    QCOMPARE(status, 0);
+    QVERIFY(programmer.isConnected());
+}
+
+void tst_SimulatedFaults::aDelayedCallSucceeds()
+{
+    SimulatedProgrammer programmer;
+    programmer.setTimeScale(0);
+    Fault fault;
+    fault.operation = Operation::Connect;
+    fault.effect = Effect::Delay;
+    fault.delay = 20;
+    programmer.addFault(fault);
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(programmer.Connect(OPERATION_TYPE_DEBUG), 0);
+    QVERIFY(timer.elapsed() >= 19);
+
+    // Nonsense delays nothing.
+    fault.operation = Operation::FindDevice;
+    fault.delay = std::numeric_limits<int>::min();
+    programmer.addFault(fault);
+    QCOMPARE(programmer.FindDevice(), 0);
+}
+
+void tst_SimulatedFaults::slownessIsForgottenWithTheFaults()
+{
+    SimulatedProgrammer programmer;
+    programmer.setTimeScale(0.001);
+    QVERIFY(programmer.addFault(QStringLiteral("slow=200")));
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(programmer.Connect(OPERATION_TYPE_DEBUG), 0);
+    // A connection takes 150 ms; a thousandth of that, 200 times.
+    QVERIFY(timer.elapsed() >= 29);
+    programmer.clearFaults();
+    QVERIFY(programmer.addFault(QStringLiteral("slow=1")));
+    QCOMPARE(programmer.FindDevice(), 0);
+}
+
+UNIPROG_TEST_MAIN(tst_SimulatedFaults)
+
+#include "tst_simulatedfaults.moc"
