@@ -47,18 +47,6 @@ QByteArray defaultBootloaderInfo()
     return info;
 }
 
-/// What a connection of @p type without the right password gives.
-int authenticationStatus(OPERATION_TYPE type)
-{
-    switch (type) {
-    case OPERATION_TYPE_CONFIGURATION:
-        return SimulatedProgrammer::ConfigurationLinkAuthenticationFailed;
-    case OPERATION_TYPE_DEBUG:
-        return SimulatedProgrammer::DebugLinkAuthenticationFailed;
-    }
-    return SimulatedProgrammer::WiFiAuthenticationFailed;
-}
-
 } // namespace
 
 SimulatedProgrammer::State::State(SimulatedProgrammer *owner)
@@ -195,6 +183,12 @@ void SimulatedProgrammer::setWiFiPassword(OPERATION_TYPE link, const QString &pa
     state->wifiPasswords.insert(link, password);
 }
 
+void SimulatedProgrammer::setWiFiRefusalNamesLink(bool namesLink)
+{
+    const std::lock_guard<std::mutex> lock(state->mutex);
+    state->refusalNamesLink = namesLink;
+}
+
 bool SimulatedProgrammer::isWiFiServerRunning() const
 {
     const std::lock_guard<std::mutex> lock(state->mutex);
@@ -305,10 +299,11 @@ int SimulatedProgrammer::State::connect(int device, OPERATION_TYPE type, Call &c
         return call.refuse(OutOfOrder, "the device is connected already");
     if (!pluggedIn || device < 0 || device >= devices.size())
         return NoSelectedDevice;
-    if (devices.at(device).link == TSelectedDevice::WiFi) {
-        const int failure = authenticationStatus(type);
-        if (failure == WiFiAuthenticationFailed || wifiPasswords.value(type) != enteredPasswords.value(type))
-            return failure;
+    const bool overWiFi = devices.at(device).link == TSelectedDevice::WiFi;
+    if (overWiFi && wifiPasswords.value(type) != enteredPasswords.value(type)) {
+        if (!refusalNamesLink)
+            return WiFiAuthenticationFailed;
+        return type == OPERATION_TYPE_DEBUG ? DebugLinkAuthenticationFailed : ConfigurationLinkAuthenticationFailed;
     }
     if (firmwareTooOld)
         return FirmwareTooOld;

@@ -48,7 +48,7 @@ public:
     /// What operations return. The numbers below 100 are those the library gives a meaning to.
     enum Status {
         Success = 0,
-        WiFiAuthenticationFailed = 4, ///< the WiFi device knows no such link
+        WiFiAuthenticationFailed = 4, ///< see setWiFiRefusalNamesLink()
         UnsupportedVendor = 8, ///< setVendorSupported(false)
         WrongVoltage = 10, ///< the target has no suitable supply, or a voltage nobody offers was asked for
         PoweredExternally = 11, ///< the supply pin is driven from outside
@@ -232,6 +232,9 @@ public:
 
     /// What a WiFi connection over @p link demands from SetWiFiLinkPassword(); empty (the default) demands nothing.
     void setWiFiPassword(OPERATION_TYPE link, const QString &password);
+    /// Whether a connection without the right password gives ConfigurationLinkAuthenticationFailed or
+    /// DebugLinkAuthenticationFailed (the default), or just WiFiAuthenticationFailed.
+    void setWiFiRefusalNamesLink(bool namesLink);
     bool isWiFiServerRunning() const;
 
     bool isConnected() const;

@@ -113,6 +113,7 @@ struct SimulatedProgrammer::State
     bool firmwareTooOld = false;
     QHash<int, QString> wifiPasswords; ///< demanded, by link
     QHash<int, QString> enteredPasswords; ///< by link
+    bool refusalNamesLink = true;
     bool wifiServerRunning = false;
     TConfiguration configuration;
     std::optional<TConfiguration> uncommittedConfiguration;
