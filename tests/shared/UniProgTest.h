@@ -13,7 +13,8 @@ public:
     /// Names the process, sends settings to a temporary folder and picks the offscreen platform unless told otherwise.
     static void prepareProcess();
 
-private Q_SLOTS:
+protected Q_SLOTS:
+    /// A test with an init() of its own calls this one there.
     void init();
 };
 
