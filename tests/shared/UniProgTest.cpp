@@ -18,6 +18,6 @@ void UniProgTest::prepareProcess()
 
 void UniProgTest::init()
 {
-    // The offscreen platform announces for windows with size limits and for menus that it has no window manager to tell.
+    // The offscreen platform announces what it leaves to a window manager: size limits, raising, grabs.
     QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not support )")));
 }
