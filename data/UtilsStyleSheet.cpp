@@ -1,0 +1,72 @@
+#include "UtilsStyleSheet.h"
+
+#include <QFile>
+#include <QFontDatabase>
+#include <QXmlStreamReader>
+
+#include <algorithm>
+
+// A static build of the library has its resources only when they are asked for; the macro wants the global namespace.
+static void initFontResources()
+{
+    Q_INIT_RESOURCE(uniprogutils_fonts);
+}
+
+namespace {
+
+constexpr QLatin1String FontElement("fontName");
+constexpr QLatin1String ValueElements[] = {QLatin1String("color"), QLatin1String("wallpaper"),
+                                           QLatin1String("dimension"), FontElement, QLatin1String("fontSize")};
+
+bool isValueElement(QStringView name)
+{
+    return std::find(std::begin(ValueElements), std::end(ValueElements), name) != std::end(ValueElements);
+}
+
+// No text mode: line ends reach the result as they are. What cannot be read is empty.
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    if (path.isEmpty() || !file.open(QIODevice::ReadOnly))
+        return {};
+    return file.readAll();
+}
+
+void loadFont(const QString &name)
+{
+    QFontDatabase::addApplicationFont(QStringLiteral(":/misc/fonts/") + name + QStringLiteral(".ttf"));
+}
+
+} // namespace
+
+UtilsStyleSheet::UtilsStyleSheet(const QString &styleSheetPath)
+    : m_styleSheetPath(styleSheetPath)
+{ }
+
+QString UtilsStyleSheet::replaceXmlMarkers(const QString &themePath) const
+{
+    initFontResources();
+    // Fonts of the theme before must not stay, not even those that other code has loaded.
+    QFontDatabase::removeAllApplicationFonts();
+
+    QString result = QString::fromLatin1(contentOf(m_styleSheetPath));
+    // As a string, not as bytes: an encoding that the theme declares is not followed.
+    QXmlStreamReader theme(QString::fromUtf8(contentOf(themePath)));
+    while (!theme.atEnd()) {
+        if (theme.readNext() != QXmlStreamReader::StartElement || !isValueElement(theme.name()))
+            continue;
+        const QXmlStreamAttributes attributes = theme.attributes();
+        if (attributes.isEmpty())
+            continue;
+        const bool isFont = theme.name() == FontElement;
+        const QString marker = attributes.first().value().toString();
+        const QString value = theme.readElementText();
+        if (theme.hasError())
+            break;
+        // One after another on the same text: themes rely on values that contain markers of later elements.
+        result.replace(marker, value);
+        if (isFont)
+            loadFont(value);
+    }
+    return result;
+}
