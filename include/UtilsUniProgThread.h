@@ -186,6 +186,9 @@ public Q_SLOTS:
     void SlotProcedureTargetRelated();
     void SlotProcedureControlRelated();
 
+private Q_SLOTS:
+    void SlotStartNext();
+
 private:
     Q_DISABLE_COPY_MOVE(UtilsUniProgThread)
 
@@ -193,8 +196,8 @@ private:
 
     void SelectOperation(Procedure procedure);
     void StartProcedure(const char *slot);
+    void PostStart();
     void StartWorker(const char *slot);
-    void StartAtHome(const char *slot);
     bool IsOnWorker() const;
 
     bool BeginProcedure(int &status, QString &message);
@@ -272,9 +275,9 @@ private:
     TSelectedDevice selectedDevice{};
     bool useSelectedDevice = false;
 
-    QMutex lifecycleMutex; ///< guards the four below
+    mutable QMutex lifecycleMutex; ///< guards the five below
     int openRequests = 0; ///< accepted, and their workers have not ended
-    QList<const char *> waitingStarts; ///< requests that wait for the end of the current worker
+    QList<const char *> waitingStarts; ///< frames of requests whose workers have not been started yet
     bool frameRunning = false; ///< from the start of a worker to the end of its procedure
     bool beingDestroyed = false;
     QList<QPointer<QThread>> workers; ///< the current one last; earlier ones until they are deleted

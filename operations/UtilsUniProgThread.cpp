@@ -57,9 +57,10 @@ UtilsUniProgThread::~UtilsUniProgThread()
     QMutexLocker locker(&lifecycleMutex);
     beingDestroyed = true;
     const bool idle = !frameRunning;
+    const QList<QPointer<QThread>> ending = workers;
     locker.unlock();
 
-    for (const QPointer<QThread> &worker : std::as_const(workers)) {
+    for (const QPointer<QThread> &worker : ending) {
         if (!worker)
             continue;
         // A procedure that runs is not disturbed, for the driver may wait in an event loop of its own; it quits its
@@ -70,6 +71,7 @@ UtilsUniProgThread::~UtilsUniProgThread()
         // The worker's deleteLater() needs an event loop, which may not run again.
         delete worker;
     }
+    locker.relock(); // what the workers did has happened before the fields go
 }
 
 bool UtilsUniProgThread::IsProcedureInProgress() const
@@ -349,31 +351,39 @@ void UtilsUniProgThread::StartProcedure(const char *slot)
         const QMutexLocker locker(&lifecycleMutex);
         ++openRequests;
         procedureInProgress = true;
+        waitingStarts.append(slot);
     }
     if (QThread::currentThread() == thread() && !IsOnWorker())
-        StartWorker(slot);
+        SlotStartNext();
     else
-        QMetaObject::invokeMethod(
-            this, [this, slot] { StartAtHome(slot); }, Qt::QueuedConnection);
+        PostStart();
 }
 
-void UtilsUniProgThread::StartAtHome(const char *slot)
+/// By name, not by a functor: nothing but the call itself then crosses to the other thread.
+void UtilsUniProgThread::PostStart()
 {
-    if (!IsOnWorker()) {
-        StartWorker(slot);
-        return;
-    }
+    QMetaObject::invokeMethod(this, "SlotStartNext", Qt::QueuedConnection);
+}
+
+void UtilsUniProgThread::SlotStartNext()
+{
+    const bool onWorker = IsOnWorker();
     QMutexLocker locker(&lifecycleMutex);
-    waitingStarts.append(slot);
-    const bool idle = !frameRunning;
-    locker.unlock();
-    // Also the way out for a worker that was left running because its procedure never got its turn.
-    if (idle)
+    if (waitingStarts.isEmpty())
+        return; // an earlier call has done it
+    if (!onWorker) {
+        const char *const slot = waitingStarts.takeFirst();
+        locker.unlock();
+        StartWorker(slot);
+    } else if (!frameRunning) {
+        // Also the way out for a worker that was left running because its procedure never got its turn.
         QThread::currentThread()->quit();
+    }
 }
 
 bool UtilsUniProgThread::IsOnWorker() const
 {
+    const QMutexLocker locker(&lifecycleMutex);
     return workers.contains(QThread::currentThread());
 }
 
@@ -381,19 +391,20 @@ void UtilsUniProgThread::StartWorker(const char *slot)
 {
     auto *worker = new QThread;
     worker->setObjectName(objectName());
-    workers.removeAll(QPointer<QThread>());
-    workers.append(worker);
     {
         const QMutexLocker locker(&lifecycleMutex);
+        workers.removeAll(QPointer<QThread>());
+        workers.append(worker);
         frameRunning = true;
     }
 
     moveToThread(worker);
+    // Automatic connections, all of them. The second one runs on the worker, where the object lives: it is lost there if
+    // anyone else tries to move it. The third and the fourth run where the worker was created, at home.
     connect(worker, SIGNAL(started()), this, slot);
-    // Runs on the worker, where the object lives; it is lost there if anyone else tries to move it.
-    connect(worker, &QThread::finished, this, &UtilsUniProgThread::SlotProcedureFinished);
-    connect(this, &UtilsUniProgThread::finished, worker, &QThread::quit);
-    connect(worker, &QThread::finished, worker, &QObject::deleteLater);
+    connect(worker, SIGNAL(finished()), this, SLOT(SlotProcedureFinished()));
+    connect(this, SIGNAL(finished()), worker, SLOT(quit()));
+    connect(worker, SIGNAL(finished()), worker, SLOT(deleteLater()));
     worker->start(QThread::InheritPriority);
 }
 
@@ -405,12 +416,10 @@ void UtilsUniProgThread::SlotProcedureFinished()
     moveToThread(homeThread);
 
     const QMutexLocker locker(&lifecycleMutex);
-    for (const char *slot : std::as_const(waitingStarts))
-        QMetaObject::invokeMethod(
-            this, [this, slot] { StartAtHome(slot); }, Qt::QueuedConnection);
-    waitingStarts.clear();
     openRequests = qMax(openRequests - 1, 0);
     procedureInProgress = openRequests > 0;
+    if (!waitingStarts.isEmpty())
+        PostStart();
 }
 
 void UtilsUniProgThread::SlotProcedureTargetRelated()
@@ -491,11 +500,10 @@ void UtilsUniProgThread::CompleteProcedure(int status, const QString &message)
 /// The procedure is over. The worker ends when home handles finished(), unless home waits for it or a request does.
 void UtilsUniProgThread::LeaveWorker()
 {
-    QMutexLocker locker(&lifecycleMutex);
+    const bool onWorker = IsOnWorker();
+    const QMutexLocker locker(&lifecycleMutex);
     frameRunning = false;
-    const bool awaited = beingDestroyed || !waitingStarts.isEmpty();
-    locker.unlock();
-    if (awaited && IsOnWorker())
+    if (onWorker && (beingDestroyed || !waitingStarts.isEmpty()))
         QThread::currentThread()->quit();
 }
 

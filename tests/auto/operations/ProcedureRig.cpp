@@ -16,22 +16,38 @@ bool spinUntil(const std::function<bool()> &condition)
     return loop.exec() == 0;
 }
 
+// By name, so that no functor is shared between the threads: ThreadSanitizer cannot see how Qt hands it over.
 ProcedureLog::ProcedureLog(UtilsUniProgThread *thread)
 {
-    connect(thread, &UtilsUniProgThread::SignalOperationLogMessage, this,
-            [this](const QString &text, LOGGER_MESSAGE_TYPE type) { events.append(line(text, type)); });
-    connect(thread, &UtilsUniProgThread::SignalOperationProgress, this,
-            [this](int percent) { events.append(progress(percent)); });
-    connect(thread, &UtilsUniProgThread::SignalProcedureCompleted, this, [this](int status, const QString &message) {
-        events.append(completed(status, message));
-        ++completions;
-        lastStatus = status;
-        lastMessage = message;
-    });
-    connect(thread, &UtilsUniProgThread::finished, this, [this] {
-        events.append(QStringLiteral("finished"));
-        ++ends;
-    });
+    connect(thread, SIGNAL(SignalOperationLogMessage(QString, LOGGER_MESSAGE_TYPE)), this,
+            SLOT(addLine(QString, LOGGER_MESSAGE_TYPE)));
+    connect(thread, SIGNAL(SignalOperationProgress(int)), this, SLOT(addProgress(int)));
+    connect(thread, SIGNAL(SignalProcedureCompleted(int, QString)), this, SLOT(addCompletion(int, QString)));
+    connect(thread, SIGNAL(finished()), this, SLOT(addEnd()));
+}
+
+void ProcedureLog::addLine(const QString &text, LOGGER_MESSAGE_TYPE type)
+{
+    events.append(line(text, type));
+}
+
+void ProcedureLog::addProgress(int percent)
+{
+    events.append(progress(percent));
+}
+
+void ProcedureLog::addCompletion(int status, const QString &message)
+{
+    events.append(completed(status, message));
+    ++completions;
+    lastStatus = status;
+    lastMessage = message;
+}
+
+void ProcedureLog::addEnd()
+{
+    events.append(QStringLiteral("finished"));
+    ++ends;
 }
 
 QString ProcedureLog::line(const QString &text, LOGGER_MESSAGE_TYPE type)

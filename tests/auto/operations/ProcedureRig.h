@@ -39,6 +39,12 @@ public:
     int ends = 0; ///< finished() signals
     int lastStatus = -1;
     QString lastMessage;
+
+private Q_SLOTS:
+    void addLine(const QString &text, LOGGER_MESSAGE_TYPE type);
+    void addProgress(int percent);
+    void addCompletion(int status, const QString &message);
+    void addEnd();
 };
 
 /// A scripted driver, a thread on it, and what the thread says.

@@ -12,6 +12,8 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <mutex>
+#include <thread>
 
 using namespace std::chrono_literals;
 using Operation = ScriptedDriver::Operation;
@@ -22,31 +24,32 @@ namespace {
 /// Long enough that a procedure is still running when the test goes on.
 constexpr auto AWhile = 50ms;
 
-/// A thread with an event loop that ends with the scope.
+/// A thread with an event loop. Start it once its guests have moved in.
 class HomeThread : public QThread
 {
 public:
-    HomeThread()
-    {
-        start();
-    }
     ~HomeThread() override
+    {
+        end();
+    }
+
+    void end()
     {
         quit();
         wait();
+        const std::lock_guard<std::mutex> lock(mutex); // what ThreadSanitizer sees of wait()
     }
-};
 
-void runOn(QThread *thread, const std::function<void()> &function)
-{
-    QObject context;
-    context.moveToThread(thread);
-    QMetaObject::invokeMethod(&context, function, Qt::BlockingQueuedConnection);
-    QObject *const guest = &context;
-    QThread *const back = QThread::currentThread();
-    QMetaObject::invokeMethod(
-        guest, [=] { guest->moveToThread(back); }, Qt::BlockingQueuedConnection);
-}
+protected:
+    void run() override
+    {
+        exec();
+        const std::lock_guard<std::mutex> lock(mutex);
+    }
+
+private:
+    std::mutex mutex;
+};
 
 using Delete = std::function<void(std::unique_ptr<UtilsUniProgThread> &)>;
 
@@ -105,6 +108,7 @@ void tst_UtilsUniProgThreadLifecycle::aGivenThreadIsTheHome()
     auto thread = std::make_unique<UtilsUniProgThread>(&driver, &home);
     ProcedureLog log(thread.get());
     QCOMPARE(thread->thread(), &home);
+    home.start();
     for (int i = 1; i <= 2; ++i) {
         thread->FindDevice();
         QVERIFY(thread->IsProcedureInProgress());
@@ -112,7 +116,10 @@ void tst_UtilsUniProgThreadLifecycle::aGivenThreadIsTheHome()
         QCOMPARE(thread->thread(), &home);
     }
     QCOMPARE(log.events, ProcedureLog::controlRun({log.events.at(1)}) + ProcedureLog::controlRun({log.events.at(1)}));
-    runOn(&home, [&] { thread.reset(); });
+    const QPointer<UtilsUniProgThread> object = thread.get();
+    thread.release()->deleteLater(); // it has to go where it lives
+    QVERIFY(spinUntil([&] { return object.isNull(); }));
+    home.end();
 }
 
 void tst_UtilsUniProgThreadLifecycle::aRequestFromAnotherThreadHopsHome()
@@ -120,12 +127,10 @@ void tst_UtilsUniProgThreadLifecycle::aRequestFromAnotherThreadHopsHome()
     ProcedureRig rig;
     int returned = -1;
     bool busy = false;
-    std::unique_ptr<QThread> caller(QThread::create([&] {
+    std::thread([&] {
         returned = rig.thread.ResetTarget();
         busy = rig.thread.IsProcedureInProgress();
-    }));
-    caller->start();
-    QVERIFY(caller->wait(TestLimitMs)); // home has not handled an event meanwhile
+    }).join(); // home has not handled an event meanwhile
     QCOMPARE(returned, 0);
     QVERIFY(busy);
     QCOMPARE(rig.driver.callCount(Operation::Connect), 0);
@@ -213,17 +218,16 @@ void tst_UtilsUniProgThreadLifecycle::theObjectIsNeverIdleBetweenChainedRequests
     std::atomic_bool stop{false};
     std::atomic_int idleTooEarly{0};
     rig.thread.FindDevice();
-    std::unique_ptr<QThread> watcher(QThread::create([&] {
+    std::thread watcher([&] {
         while (!stop) {
             if (!rig.thread.IsProcedureInProgress() && completed < Requests)
                 ++idleTooEarly;
             QThread::yieldCurrentThread();
         }
-    }));
-    watcher->start();
+    });
     const bool settled = rig.settle(Requests);
     stop = true;
-    QVERIFY(watcher->wait(TestLimitMs));
+    watcher.join();
     QVERIFY(settled);
     QCOMPARE(idleTooEarly.load(), 0);
 }
@@ -233,6 +237,7 @@ void tst_UtilsUniProgThreadLifecycle::anObjectThatWasMovedComesBackToItsHome()
     HomeThread elsewhere;
     ProcedureRig rig;
     rig.thread.moveToThread(&elsewhere);
+    elsewhere.start();
     rig.thread.FindDevice();
     QVERIFY(rig.settle());
     QCOMPARE(rig.log.lastStatus, 0);
@@ -391,9 +396,7 @@ void tst_UtilsUniProgThreadLifecycle::deletionBeforeTheHopHasArrived()
 {
     ScriptedDriver driver;
     auto thread = std::make_unique<UtilsUniProgThread>(&driver, nullptr);
-    std::unique_ptr<QThread> caller(QThread::create([&] { thread->FindDevice(); }));
-    caller->start();
-    QVERIFY(caller->wait(TestLimitMs));
+    std::thread([&] { thread->FindDevice(); }).join();
     QVERIFY(thread->IsProcedureInProgress());
     thread.reset();
     QCoreApplication::processEvents();

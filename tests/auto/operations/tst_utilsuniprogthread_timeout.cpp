@@ -7,13 +7,15 @@
 #include <QApplication>
 #include <QThread>
 
-#include <atomic>
 #include <memory>
+#include <thread>
 
 using Operation = ScriptedDriver::Operation;
 using Answer = ScriptedDriver::Answer;
 
 namespace {
+
+constexpr int Probe = 12345;
 
 /// An object whose request waits for a device that another object holds.
 class Waiting
@@ -27,15 +29,18 @@ public:
         thread->FindDevice();
         worker = thread->thread();
         // Delivered on the worker, so not before its procedure has given up.
-        QMetaObject::invokeMethod(
-            thread.get(), [this] { gaveUp = true; }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(thread.get(), "SignalOperationProgress", Qt::QueuedConnection, Q_ARG(int, Probe));
+    }
+
+    bool gaveUp() const
+    {
+        return log.events.contains(ProcedureLog::progress(Probe));
     }
 
     ScriptedDriver driver;
     std::unique_ptr<UtilsUniProgThread> thread;
     ProcedureLog log;
     QPointer<QThread> worker;
-    std::atomic_bool gaveUp{false};
 };
 
 /// Never deleted: the process ends while its worker is still there.
@@ -79,7 +84,7 @@ void tst_UtilsUniProgThreadTimeout::initTestCase()
     leftBehind = new Waiting;
     for (const Waiting *waiting :
          {watched.get(), deleted.get(), deletedLater.get(), later.get(), foreign.get(), early.get(), leftBehind})
-        QTRY_VERIFY_WITH_TIMEOUT(waiting->gaveUp, TestLimitMs);
+        QTRY_VERIFY_WITH_TIMEOUT(waiting->gaveUp(), TestLimitMs);
 
     // This one asks again while the device is still held.
     early->thread->FindDevice();
@@ -90,7 +95,7 @@ void tst_UtilsUniProgThreadTimeout::initTestCase()
 void tst_UtilsUniProgThreadTimeout::nothingIsEmittedAndTheWorkerStays()
 {
     QCoreApplication::processEvents();
-    QCOMPARE(watched->log.events, QStringList());
+    QCOMPARE(watched->log.events, QStringList{ProcedureLog::progress(Probe)}); // this test's own
     QCOMPARE(watched->driver.transcript(), QStringList());
     QVERIFY(watched->thread->IsProcedureInProgress());
     QCOMPARE(watched->thread->thread(), watched->worker.data());
@@ -126,9 +131,7 @@ void tst_UtilsUniProgThreadTimeout::aLaterRequestRuns()
 
 void tst_UtilsUniProgThreadTimeout::aLaterRequestFromAnotherThreadRuns()
 {
-    std::unique_ptr<QThread> caller(QThread::create([this] { foreign->thread->ResetTarget(); }));
-    caller->start();
-    QVERIFY(caller->wait(TestLimitMs));
+    std::thread([this] { foreign->thread->ResetTarget(); }).join();
     QTRY_VERIFY_WITH_TIMEOUT(foreign->log.ends == 1 && !foreign->thread->IsProcedureInProgress(), TestLimitMs);
     QCOMPARE(foreign->log.lastStatus, 0);
 }
