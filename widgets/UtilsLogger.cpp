@@ -19,7 +19,7 @@ constexpr int LayoutMargin = 6; // pixels
 constexpr QSize RowGrid(0, 19); // pixels; rows are as wide as the list
 
 // Nobody deletes the row that leaves the list at the line limit, see UtilsLogger::takeOldestLine().
-QListWidgetItem *newRow()
+QListWidgetItem *newLoggerRow()
 {
     return new QListWidgetItem;
 }
@@ -97,7 +97,7 @@ void UtilsLogger::wire()
 
 UtilsLoggerLine *UtilsLogger::addLine(QString text, LOGGER_MESSAGE_TYPE type)
 {
-    QListWidgetItem *item = newRow();
+    QListWidgetItem *item = newLoggerRow();
     if (listWidget->count() == maxNumberOfLines) // equality: a limit set below the count never takes a line away
         takeOldestLine();
     listWidget->addItem(item);
