@@ -11,9 +11,9 @@
 #include <QVariant>
 
 class QAction;
-class QListWidget;
 class QScrollBar;
 class QVBoxLayout;
+class UtilsLoggerList;
 class UtilsSequentialAnimation;
 
 /// The message pane of a long-running operation: a framed list in which each message is a line, coloured by its kind
@@ -21,8 +21,8 @@ class UtilsSequentialAnimation;
 /// signalLoggerAnimationsCompleted(), so that the user sees the last line.
 ///
 /// Thread: GUI thread only; messages of worker threads come through queued connections. Ownership: the logger owns its
-/// lines. A line is deleted after clear() and when it leaves at the line limit, both from the event loop; pointers to
-/// lines that outlive the call that returned them should be guarded.
+/// lines. A line is deleted when it leaves at the line limit, and from the event loop after clear(); a pointer to one
+/// should be guarded.
 ///
 ///     auto *logger = new UtilsLogger(this);
 ///     logger->setProperty("background-color", "main");
@@ -108,7 +108,7 @@ private:
     void takeOldestLine();
 
     QVBoxLayout *verticalLayout = nullptr;
-    QListWidget *listWidget = nullptr;
+    UtilsLoggerList *listWidget = nullptr;
     UtilsSequentialAnimation *lineAnimationQueue;
     QPointer<QScrollBar> verticalScrollBar;
     QAction *actionCopySelected = nullptr;

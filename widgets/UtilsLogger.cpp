@@ -1,12 +1,12 @@
 #include "UtilsLogger.h"
 
+#include "UtilsLoggerList_p.h"
 #include "UtilsSequentialAnimation.h"
 
 #include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QKeyEvent>
-#include <QListWidget>
 #include <QMenu>
 #include <QScrollBar>
 #include <QStyle>
@@ -58,7 +58,7 @@ void UtilsLogger::setupForm()
     verticalLayout->setSpacing(0);
     verticalLayout->setContentsMargins(LayoutMargin, LayoutMargin, LayoutMargin, LayoutMargin);
 
-    listWidget = new QListWidget(this);
+    listWidget = new UtilsLoggerList(this);
     listWidget->setObjectName(QStringLiteral("listWidget"));
     listWidget->setEnabled(true);
     listWidget->setFocusPolicy(Qt::StrongFocus);
@@ -109,21 +109,16 @@ UtilsLoggerLine *UtilsLogger::addLine(QString text, LOGGER_MESSAGE_TYPE type)
     line->setSequentAnimation(lineAnimationQueue);
     line->setType(type);
     line->setText(text);
-    listWidget->setItemWidget(item, line);
+    listWidget->setLineWidget(item, line);
     return line;
 }
 
-// The item that is taken out is not deleted: it is no longer the logger's, and nothing here points to it. Its line
-// widget goes with the row, from the event loop.
+// The item that is taken out is not deleted: it is no longer the logger's, and nothing here points to it. Its line goes
+// at once; the list would delete it from the event loop, where the lines of a long burst pile up.
 void UtilsLogger::takeOldestLine()
 {
-    auto *line = qobject_cast<UtilsLoggerLine *>(listWidget->itemWidget(listWidget->item(0)));
+    delete listWidget->itemWidget(listWidget->item(0));
     listWidget->takeItem(0);
-    if (!line)
-        return;
-    line->leaveList(this);
-    if (line == lastLine)
-        lastLine.clear();
 }
 
 void UtilsLogger::addMessage(QString text, LOGGER_MESSAGE_TYPE type)

@@ -198,8 +198,8 @@ void UtilsLoggerLine::paintEvent(QPaintEvent *event)
     QWidget::paintEvent(event);
 }
 
-// The list deletes the item before this line, or never, and this line only when the event loop comes to it. Until then
-// the line stands apart: no longer among those of the list, and with nothing left that it could touch.
+// Clearing the list deletes the item at once, but this line only when the event loop comes to it. Until then the line
+// stands apart: no longer among those of the list, and with nothing left that it could touch.
 void UtilsLoggerLine::leaveList(QWidget *newParent)
 {
     item = nullptr;

@@ -85,7 +85,8 @@ private Q_SLOTS:
     void theLastLineMayLeave();
     void theItemThatLeftIsNotDeleted();
     void aLineThatLeavesTakesItsRevealsAlong();
-    void aHeldLineThatLeftMayStillBeUsed();
+    void aLineMayLeaveInsideItsOwnSignal_data();
+    void aLineMayLeaveInsideItsOwnSignal();
 
     void linesAreRevealedOneAfterAnother();
     void theFlagIsStillFalseInsideTheSignal();
@@ -97,6 +98,7 @@ private Q_SLOTS:
     void clearLeavesNothing_data();
     void clearLeavesNothing();
     void clearDoesNotSetTheFlag();
+    void aHeldLineMayBeUsedInTheTurnOfClear();
     void linesAddedInTheSameTurnAsClearAreRevealedInOrder();
     void clearInsideASignal_data();
     void clearInsideASignal();
@@ -329,11 +331,10 @@ void tst_UtilsLogger::aLineThatLeftIsListedNoMore()
     logger.addMessage("a\nb", LOGGER_MESSAGE_DEFAULT);
     const QPointer<UtilsLoggerLine> first = logger.getChildrenWidgets().constFirst();
     logger.addMessage("c", LOGGER_MESSAGE_DEFAULT);
-    QVERIFY(first); // the list deletes it from the event loop
-    QVERIFY(!first->isVisible());
-    QVERIFY(!logger.getChildrenWidgets().contains(first.data()));
+    QVERIFY(!first);
+    QCOMPARE(logger.getChildrenWidgets().size(), 2);
     QCOMPARE(logger.getLoggerData(), "b\nc\n");
-    QTRY_VERIFY(!first);
+    QCoreApplication::processEvents();
     QCOMPARE(logger.getLoggerData(), "b\nc\n");
 }
 
@@ -401,18 +402,45 @@ void tst_UtilsLogger::aLineThatLeavesTakesItsRevealsAlong()
         QVERIFY(!listOf(logger)->item(row)->isHidden());
 }
 
-void tst_UtilsLogger::aHeldLineThatLeftMayStillBeUsed()
+void tst_UtilsLogger::aHeldLineMayBeUsedInTheTurnOfClear()
 {
-    UtilsLogger logger(nullptr, Short, 1);
-    UtilsLoggerLine *evicted = logger.addLine("a", LOGGER_MESSAGE_DEFAULT);
-    UtilsLoggerLine *cleared = logger.addLine("b", LOGGER_MESSAGE_DEFAULT);
+    UtilsLogger logger(nullptr, Short);
+    UtilsLoggerLine *running = logger.addLine("a", LOGGER_MESSAGE_DEFAULT);
+    UtilsLoggerLine *waiting = logger.addLine("b", LOGGER_MESSAGE_DEFAULT);
     logger.clear();
-    for (UtilsLoggerLine *line : {evicted, cleared}) {
+    for (UtilsLoggerLine *line : {running, waiting}) {
         line->appendText("!");
         line->setText("c");
         QCOMPARE(line->getText(), "c");
     }
     QVERIFY(logger.getLoggerData().isEmpty());
+}
+
+void tst_UtilsLogger::aLineMayLeaveInsideItsOwnSignal_data()
+{
+    QTest::addColumn<bool>("ofTheLine");
+    QTest::newRow("finished of the reveal") << true;
+    QTest::newRow("all completed") << false;
+}
+
+void tst_UtilsLogger::aLineMayLeaveInsideItsOwnSignal()
+{
+    QFETCH(bool, ofTheLine);
+    UtilsLogger logger(nullptr, Short, 1);
+    layOut(logger);
+    QSignalSpy completed(&logger, &UtilsLogger::signalLoggerAnimationsCompleted);
+    const QPointer<UtilsLoggerLine> line = logger.addLine("a", LOGGER_MESSAGE_DEFAULT);
+    const auto addAnother = [&logger, line] {
+        if (line)
+            logger.addMessage("b\nc", LOGGER_MESSAGE_DEFAULT);
+    };
+    if (ofTheLine)
+        connect(line->findChild<QPropertyAnimation *>(), &QAbstractAnimation::finished, this, addAnother);
+    else
+        connect(&logger, &UtilsLogger::signalLoggerAnimationsCompleted, this, addAnother);
+    QTRY_VERIFY(!line);
+    QTRY_COMPARE(completed.count(), 2);
+    QCOMPARE(logger.getLoggerData(), "c\n");
 }
 
 void tst_UtilsLogger::linesAreRevealedOneAfterAnother()

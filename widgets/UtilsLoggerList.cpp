@@ -1,0 +1,67 @@
+#include "UtilsLoggerList_p.h"
+
+#include <QAbstractItemDelegate>
+#include <QStyleOptionViewItem>
+
+#include <utility>
+
+UtilsLoggerList::UtilsLoggerList(QWidget *parent)
+    : QListWidget(parent)
+{ }
+
+UtilsLoggerList::~UtilsLoggerList() = default;
+
+void UtilsLoggerList::setLineWidget(QListWidgetItem *item, QWidget *widget)
+{
+    setItemWidget(item, widget);
+    widget->hide(); // it has no place yet
+}
+
+void UtilsLoggerList::doItemsLayout()
+{
+    layingOut = true;
+    QListWidget::doItemsLayout();
+    layingOut = false;
+    placeWidgetsInSight();
+}
+
+// The base class calls this for each row that comes or goes, and again from the layout.
+void UtilsLoggerList::updateEditorGeometries()
+{
+    if (!layingOut)
+        scheduleDelayedItemsLayout();
+}
+
+void UtilsLoggerList::scrollContentsBy(int dx, int dy)
+{
+    QListWidget::scrollContentsBy(dx, dy);
+    if (!layingOut)
+        placeWidgetsInSight();
+}
+
+void UtilsLoggerList::placeWidgetsInSight()
+{
+    const QList<QPointer<QWidget>> before = std::exchange(widgetsInSight, {});
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    const int x = viewport()->width() / 2; // rows are as wide as the viewport
+    int y = 0;
+    while (y < viewport()->height()) {
+        const QModelIndex index = indexAt(QPoint(x, y));
+        if (!index.isValid()) { // between two rows, or below the last
+            ++y;
+            continue;
+        }
+        option.rect = visualRect(index);
+        if (QWidget *widget = indexWidget(index)) {
+            itemDelegateForIndex(index)->updateEditorGeometry(widget, option, index);
+            widget->show();
+            widgetsInSight.append(widget);
+        }
+        y = option.rect.y() + gridSize().height();
+    }
+    for (QWidget *widget : before) {
+        if (widget && !widgetsInSight.contains(widget))
+            widget->hide();
+    }
+}
