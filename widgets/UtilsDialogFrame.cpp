@@ -11,6 +11,8 @@
 #include <QSpacerItem>
 #include <QToolButton>
 
+#include <memory>
+
 static constexpr int FadeInDuration = 200; // milliseconds
 static constexpr int FadeOutDuration = 150;
 static constexpr qreal ShadowBlurRadius = 20.0;
@@ -260,11 +262,10 @@ int UtilsDialogFrame::exec()
     if (m_isUsedUp)
         return result(); // it would wait for the end of a frame that is not shown again
     // QDialog::exec() knows no result of a dialog that is deleted before it returns, as this one is.
-    int code = Rejected;
-    const QObject listener;
-    connect(this, &QDialog::finished, &listener, [&code](int result) { code = result; });
+    const auto code = std::make_shared<int>(Rejected);
+    connect(this, &QDialog::finished, this, [code](int result) { *code = result; });
     QDialog::exec();
-    return code;
+    return *code;
 }
 
 void UtilsDialogFrame::slotFadeInFinished()
