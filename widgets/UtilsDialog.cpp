@@ -59,9 +59,9 @@ QDoubleSpinBox *UtilsDialog::addSpinBox(double value, double min, double max)
 {
     if (!m_spinBox) {
         m_spinBox = new QDoubleSpinBox;
-        m_spinBox->setDecimals(SpinBoxDecimals); // first, because range and value are rounded to them
         m_spinBox->setRange(min, max);
-        m_spinBox->setValue(value);
+        m_spinBox->setDecimals(SpinBoxDecimals);
+        m_spinBox->setValue(value); // last, because it is rounded to the decimals
         m_spinBox->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
         addCentered(m_spinBox);
         connect(m_spinBox, &QDoubleSpinBox::valueChanged, this,
