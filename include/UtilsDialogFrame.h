@@ -45,8 +45,8 @@ public:
     void setContent(QWidget *content);
     /// Shows or hides both buttons and the line above them. Shown from the start.
     void setButtonsVisible(bool visible);
-    /// Hides the buttons and their line for good and swallows every key, so that neither Escape nor Return closes the
-    /// frame.
+    /// Hides the buttons and their line, and swallows every key from now on, so that neither Escape nor Return closes
+    /// the frame. There is no way back.
     void disableInputControls();
     /// Limits of the card, in pixels.
     void setDialogMaxHeight(int height);
@@ -79,6 +79,7 @@ public Q_SLOTS:
     void slotFadeInFinished();
     /// For subclasses that fade out before they close: deletes the frame later.
     void slotFadeOutFinished();
+    /// Activates the covered window, and emits signalDialogClosed().
     void slotDialogIsClosing();
     /// The covered window is gone: its parent widget, if any, takes its place.
     void slotActiveWindowDestroyed(QObject *ptr);

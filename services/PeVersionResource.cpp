@@ -54,7 +54,7 @@ constexpr quint32 NeutralLanguage = 0;
 // VS_VERSIONINFO: three words, its key, padding to four bytes, VS_FIXEDFILEINFO
 constexpr qint64 ValueLengthOffset = 2;
 constexpr qint64 KeyOffset = 6;
-constexpr char VersionKey[] = "V\0S\0_\0V\0E\0R\0S\0I\0O\0N\0_\0I\0N\0F\0O\0"; // UTF-16, with its zero
+constexpr char VersionKey[] = "V\0S\0_\0V\0E\0R\0S\0I\0O\0N\0_\0I\0N\0F\0O\0\0"; // UTF-16, with its end
 constexpr qint64 FixedInfoOffset = 40;
 constexpr qint64 FixedInfoSize = 52;
 constexpr quint32 FixedInfoSignature = 0xFEEF04BDU;

@@ -4,6 +4,9 @@
 #include <QString>
 
 #include <qt_windows.h>
+#include <winver.h>
+
+#include <string>
 
 FileVersion queryFileVersion(const QString &filePath)
 {
