@@ -39,6 +39,7 @@ private Q_SLOTS:
     void aWriteFailsAfterItsBytes();
     void aReadFailsAtItsBlock();
     void anEraseFailsAtItsSector();
+    void aFailedCheckIsNoGoodResult();
     void aVerifyMismatchIsDamagedFlash();
     void corruptionHitsItsBlock_data();
     void corruptionHitsItsBlock();
@@ -519,6 +520,21 @@ void tst_SimulatedFaults::anEraseFailsAtItsSector()
     QCOMPARE(programmer.EraseTargetMass(), 5);
     QCOMPARE(programmer.sectorsErased(), 2);
     QCOMPARE(programmer.flash().read(0, 4096), QByteArray(2048, '\xFF') + QByteArray(2048, '\0'));
+}
+
+void tst_SimulatedFaults::aFailedCheckIsNoGoodResult()
+{
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    QVERIFY(programmer.addFault(QStringLiteral("verify@block=2:5")));
+    QVERIFY(programmer.addFault(QStringLiteral("blank-check@block=2:5")));
+    MemoryManager image = imageOf(0, QByteArray(4 * BlockSize, '\xFF'));
+    bool flag = true;
+    QCOMPARE(programmer.VerifyTarget(&image, &flag, 0), 5);
+    QVERIFY(!flag);
+    flag = true;
+    QCOMPARE(programmer.CheckTargetBlank(&flag, false), 5);
+    QVERIFY(!flag);
 }
 
 void tst_SimulatedFaults::aVerifyMismatchIsDamagedFlash()
