@@ -11,6 +11,7 @@ set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
 
 set(UNIPROG_INSTALL_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}/UniProgUtils")
 set(UNIPROG_INSTALL_CMAKEDIR "${CMAKE_INSTALL_LIBDIR}/cmake/UniProgUtils")
+set(UNIPROG_INSTALL_THEMESDIR "${CMAKE_INSTALL_DATADIR}/UniProgUtils/themes")
 
 # Compile options of our own code; nothing here reaches an application that links us.
 function(uniprog_compile_options target)

@@ -5,7 +5,8 @@ include(CMakePackageConfigHelpers)
 configure_package_config_file(
     "${CMAKE_CURRENT_LIST_DIR}/UniProgUtilsConfig.cmake.in"
     "${PROJECT_BINARY_DIR}/UniProgUtilsConfig.cmake"
-    INSTALL_DESTINATION "${UNIPROG_INSTALL_CMAKEDIR}")
+    INSTALL_DESTINATION "${UNIPROG_INSTALL_CMAKEDIR}"
+    PATH_VARS UNIPROG_INSTALL_THEMESDIR)
 write_basic_package_version_file(
     "${PROJECT_BINARY_DIR}/UniProgUtilsConfigVersion.cmake"
     COMPATIBILITY SameMajorVersion)

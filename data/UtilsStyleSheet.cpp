@@ -7,9 +7,10 @@
 #include <algorithm>
 
 // A static build of the library has its resources only when they are asked for; the macro wants the global namespace.
-static void initFontResources()
+static void initResources()
 {
     Q_INIT_RESOURCE(uniprogutils_fonts);
+    Q_INIT_RESOURCE(uniprogutils_theme); // the images of the library's own themes
 }
 
 namespace {
@@ -45,7 +46,7 @@ UtilsStyleSheet::UtilsStyleSheet(const QString &styleSheetPath)
 
 QString UtilsStyleSheet::replaceXmlMarkers(const QString &themePath) const
 {
-    initFontResources();
+    initResources();
     // Fonts of the theme before must not stay, not even those that other code has loaded.
     QFontDatabase::removeAllApplicationFonts();
 
