@@ -13,6 +13,7 @@ write_basic_package_version_file(
 install(FILES
     "${PROJECT_BINARY_DIR}/UniProgUtilsConfig.cmake"
     "${PROJECT_BINARY_DIR}/UniProgUtilsConfigVersion.cmake"
+    "${CMAKE_CURRENT_LIST_DIR}/UniProgThemes.cmake"
     DESTINATION "${UNIPROG_INSTALL_CMAKEDIR}" COMPONENT dev)
 
 configure_file("${CMAKE_CURRENT_LIST_DIR}/UniProgUtils.pc.in" "${PROJECT_BINARY_DIR}/UniProgUtils.pc.in" @ONLY)
