@@ -36,8 +36,8 @@ private:
 
     QString helpKeyword;
     QPointer<QAction> helpAction; ///< the widget's, and may go before the menu does
-    QWidget *widget;
-    QObject clickReceiver;
+    QPointer<QWidget> widget;
+    QObject clickReceiver; ///< stands in for the menu where QMenu disconnects itself
 };
 
 #endif // UTILSHELPCONTEXTMENU_H

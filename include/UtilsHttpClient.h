@@ -25,9 +25,9 @@ class QNetworkReply;
 ///     });
 ///     client->SendUrlRequest("https://updates.example/suite.xml");
 ///
-/// Redirections are followed, by Qt's default policy (not from HTTPS to HTTP) and without a change of the base: a
-/// target that a reply still reports is requested anew if it is absolute and fails if it is relative. A server whose
-/// certificate has any error is never talked to. There is no time-out.
+/// Redirections are followed by Qt, with its default policy: never from HTTPS to HTTP, 50 at most. Should a finished
+/// reply still report a target, that is requested anew; a relative one fails. A server whose certificate has any error
+/// is not talked to. There is no time-out.
 ///
 /// GUI thread only (or the thread that owns the client). The client has no parent; its owner deletes it, which aborts
 /// what is running without a signal. Inside a receiver of its signal, use deleteLater().
@@ -44,14 +44,15 @@ public:
     /// last one: all requests collect their bodies in one buffer, which this call clears.
     void SendUrlRequest(QString url);
 
-    /// The credentials for a server that asks for them, both empty at the start. They are given to every
-    /// challenge; wrong ones end the request.
-    void setUserName(const QString &userName);
+    /// The credentials for a server that asks for them, both empty at the start. They are given to every challenge;
+    /// wrong ones end the request, unless the server names another realm with each challenge and never stops asking.
+    void setUserName(const QString &name);
     void setUserPassword(const QString &password);
 
 Q_SIGNALS:
     /// The request has ended: true with the body, or false with an empty array after any error of the network, of TLS
-    /// or of HTTP (status 4xx and 5xx).
+    /// or of HTTP (status 4xx and 5xx). Qt does not always notice that a body sent in chunks was cut off: where it
+    /// matters, check the content.
     void signalServerDownloadFinished(bool finishedStatus, QByteArray argsSrverResponse);
 
 private Q_SLOTS:
