@@ -1,12 +1,12 @@
 #include <UtilsHttpClient.h>
 
+#include "MadeUpReply.h"
 #include "WebServer.h"
 
 #include <UniProgTest.h>
 
 #include <QApplication>
 #include <QAuthenticator>
-#include <QBuffer>
 #include <QCryptographicHash>
 #include <QMetaMethod>
 #include <QNetworkAccessManager>
@@ -42,47 +42,7 @@ QByteArray plainBody()
     return body;
 }
 
-/// A reply that the test makes up: it has ended with what the constructor says.
-class MadeUpReply : public QNetworkReply
-{
-public:
-    explicit MadeUpReply(const QByteArray &body, NetworkError error = NoError)
-    {
-        buffer.setData(body);
-        buffer.open(QIODevice::ReadOnly);
-        open(QIODevice::ReadOnly);
-        if (error != NoError)
-            setError(error, QStringLiteral("made up"));
-        setFinished(true);
-    }
-
-    void setRedirection(const QUrl &target)
-    {
-        setAttribute(QNetworkRequest::RedirectionTargetAttribute, target);
-    }
-
-    void abort() override
-    {
-        ++aborts;
-    }
-    qint64 bytesAvailable() const override
-    {
-        return buffer.bytesAvailable() + QNetworkReply::bytesAvailable();
-    }
-
-    int aborts = 0;
-
-protected:
-    qint64 readData(char *data, qint64 size) override
-    {
-        return buffer.read(data, size);
-    }
-
-private:
-    QBuffer buffer;
-};
-
-/// Lets the client take the reply's end note of the reply as if its manager had reported it.
+/// Lets the client take note of the reply's end, as if its manager had reported it.
 void finish(UtilsHttpClient *client, QNetworkReply *reply)
 {
     QVERIFY(QMetaObject::invokeMethod(client, "slotRequestFinished", Q_ARG(QNetworkReply *, reply)));
