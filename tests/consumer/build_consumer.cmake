@@ -26,3 +26,4 @@ run(${CMAKE_COMMAND} -G ${GENERATOR} -S "${SOURCE}" -B "${WORK}/build"
 run(${CMAKE_COMMAND} --build "${WORK}/build")
 set(ENV{LD_LIBRARY_PATH} "${prefix}/${LIBDIR}")
 run("${WORK}/build/consumer")
+run(${CMAKE_CTEST_COMMAND} --test-dir "${WORK}/build" --output-on-failure)
