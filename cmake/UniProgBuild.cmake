@@ -56,6 +56,10 @@ function(uniprog_library target)
         EXPORT_NAME ${arg_EXPORT_NAME}
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR})
+    if(UNIX AND NOT APPLE)
+        # Our libraries find one another in whatever folder they are installed to.
+        set_target_properties(${target} PROPERTIES INSTALL_RPATH "\$ORIGIN")
+    endif()
     generate_export_header(${target})
     string(TOLOWER ${target} name)
     target_include_directories(${target} PUBLIC
