@@ -4,6 +4,8 @@
 // "burst": all lines in one turn of the event loop. "turns": each line in a turn of its own, painted, as messages of
 // a worker thread arrive. The counter "longest_turn_ms" is the longest time that the event loop was held.
 
+#include "BenchmarkMain.h"
+
 #include <UtilsLogger.h>
 
 #include <QApplication>
@@ -11,7 +13,6 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPlainTextEdit>
-#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <benchmark/benchmark.h>
@@ -93,7 +94,9 @@ qint64 runEventLoop()
     return clock.nsecsElapsed();
 }
 
-void addLines(benchmark::State &state, Pane (*makePane)(), bool turnPerLine)
+enum class Turns { OneForAll, OneForEach };
+
+void addLines(benchmark::State &state, Pane (*makePane)(), Turns turns)
 {
     const qint64 count = state.range(0);
     qint64 longest = 0;
@@ -109,15 +112,11 @@ void addLines(benchmark::State &state, Pane (*makePane)(), bool turnPerLine)
         clock.start();
         for (qint64 i = 0; i < count; ++i) {
             pane.addLine(QStringLiteral("Line %1 of an operation on the device").arg(i));
-            if (turnPerLine) {
+            if (turns == Turns::OneForEach || i == count - 1) {
                 runEventLoop();
                 longest = qMax(longest, clock.nsecsElapsed());
                 clock.start();
             }
-        }
-        if (!turnPerLine) {
-            runEventLoop();
-            longest = qMax(longest, clock.nsecsElapsed());
         }
 
         state.PauseTiming();
@@ -130,49 +129,41 @@ void addLines(benchmark::State &state, Pane (*makePane)(), bool turnPerLine)
     state.counters["longest_turn_ms"] = double(longest) / 1e6;
 }
 
+void burst(benchmark::State &state, Pane (*makePane)())
+{
+    addLines(state, makePane, Turns::OneForAll);
+}
+
+void turns(benchmark::State &state, Pane (*makePane)())
+{
+    addLines(state, makePane, Turns::OneForEach);
+}
+
+void fewLines(benchmark::internal::Benchmark *work)
+{
+    work->Arg(1'000)->Arg(10'000)->Unit(benchmark::kMillisecond);
+}
+
+void manyLines(benchmark::internal::Benchmark *work)
+{
+    work->Apply(fewLines)->Arg(100'000);
+}
+
 } // namespace
 
-BENCHMARK_CAPTURE(addLines, UtilsLogger_burst, makePlainLogger, false)
-    ->Arg(1'000)
-    ->Arg(10'000)
-    ->Arg(100'000)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(addLines, UtilsLogger_animated_burst, makeAnimatedLogger, false)
-    ->Arg(1'000)
-    ->Arg(10'000)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(addLines, QListWidget_burst, makeListWidget, false)
-    ->Arg(1'000)
-    ->Arg(10'000)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(addLines, QPlainTextEdit_burst, makePlainTextEdit, false)
-    ->Arg(1'000)
-    ->Arg(10'000)
-    ->Arg(100'000)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(addLines, UtilsLogger_turns, makePlainLogger, true)
-    ->Arg(1'000)
-    ->Arg(10'000)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(addLines, UtilsLogger_animated_turns, makeAnimatedLogger, true)
-    ->Arg(1'000)
-    ->Arg(10'000)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(addLines, QListWidget_turns, makeListWidget, true)
-    ->Arg(1'000)
-    ->Arg(10'000)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(addLines, QPlainTextEdit_turns, makePlainTextEdit, true)
-    ->Arg(1'000)
-    ->Arg(10'000)
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(burst, UtilsLogger, makePlainLogger)->Apply(manyLines);
+BENCHMARK_CAPTURE(burst, UtilsLogger_animated, makeAnimatedLogger)->Apply(manyLines);
+BENCHMARK_CAPTURE(burst, QListWidget, makeListWidget)->Apply(fewLines); // 100,000 take minutes
+BENCHMARK_CAPTURE(burst, QPlainTextEdit, makePlainTextEdit)->Apply(manyLines);
+BENCHMARK_CAPTURE(turns, UtilsLogger, makePlainLogger)->Apply(fewLines);
+BENCHMARK_CAPTURE(turns, UtilsLogger_animated, makeAnimatedLogger)->Apply(fewLines);
+BENCHMARK_CAPTURE(turns, QListWidget, makeListWidget)->Apply(fewLines);
+BENCHMARK_CAPTURE(turns, QPlainTextEdit, makePlainTextEdit)->Apply(fewLines);
 
 int main(int argc, char **argv)
 {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return runBenchmarks(argc, argv);
 }

@@ -76,6 +76,7 @@ private:
     static bool isBackgroundColor(const char *name);
     static void setStyleProperty(QWidget *widget, const char *name, const QVariant &value);
     void setupForm();
+    void placeHidingFrame();
     void leaveList(QWidget *newParent);
 
     QVBoxLayout *verticalLayout = nullptr;

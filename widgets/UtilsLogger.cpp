@@ -21,7 +21,9 @@ constexpr QSize RowGrid(0, 19); // pixels; rows are as wide as the list
 // Nobody deletes the row that leaves the list at the line limit, see UtilsLogger::takeOldestLine().
 QListWidgetItem *newLoggerRow()
 {
-    return new QListWidgetItem;
+    auto *item = new QListWidgetItem;
+    item->setSizeHint(RowGrid); // else it is as high as the list's font, whatever the line needs
+    return item;
 }
 
 } // namespace

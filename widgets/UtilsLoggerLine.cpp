@@ -35,7 +35,6 @@ UtilsLoggerLine::UtilsLoggerLine(QWidget *parent, int duration, QListWidgetItem 
 
     hidingFrame = new QFrame(this);
     hidingFrame->setFrameStyle(0);
-    hidingFrame->setAutoFillBackground(true); // without a style sheet it has the background of the list
     if (parent)
         hidingFrame->setStyleSheet(parent->styleSheet());
     hidingFrame->show();
@@ -186,16 +185,23 @@ void UtilsLoggerLine::slotAnimationStateChanged(QAbstractAnimation::State newSta
 
 void UtilsLoggerLine::paintEvent(QPaintEvent *event)
 {
-    if (hidingFrame) {
-        hidingFrameHeight = height() - 2 * Border;
-        hidingFrameWidth = width() - 2 * Border - hidingFrameStartPos;
-        if (hidingFrameWidth > 0)
-            hidingFrame->setFixedSize(hidingFrameWidth, hidingFrameHeight);
-        // In a right-to-left layout the text begins at the right edge, and so does its reveal.
-        const QRect covered(QPoint(hidingFrameStartPos + Border, Border), hidingFrame->size());
-        hidingFrame->move(QStyle::visualRect(layoutDirection(), rect(), covered).topLeft());
-    }
+    if (hidingFrame)
+        placeHidingFrame();
     QWidget::paintEvent(event);
+}
+
+void UtilsLoggerLine::placeHidingFrame()
+{
+    hidingFrameHeight = height() - 2 * Border;
+    hidingFrameWidth = width() - 2 * Border - hidingFrameStartPos;
+    if (hidingFrameWidth > 0)
+        hidingFrame->setFixedSize(hidingFrameWidth, hidingFrameHeight);
+    // A label sets text of a right-to-left script at its right edge, where the reveal has to begin then.
+    const Qt::LayoutDirection direction = label->text().isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight;
+    const QRect covered(QPoint(hidingFrameStartPos + Border, Border), hidingFrame->size());
+    hidingFrame->move(QStyle::visualRect(direction, rect(), covered).topLeft());
+    // Where no style sheet gives the list a background, its viewport fills its own, and so must what hides the text.
+    hidingFrame->setAutoFillBackground(parentWidget() && parentWidget()->autoFillBackground());
 }
 
 // Clearing the list deletes the item at once, but this line only when the event loop comes to it. Until then the line

@@ -89,6 +89,8 @@ private Q_SLOTS:
     void aLineMayLeaveInsideItsOwnSignal();
 
     void linesAreRevealedOneAfterAnother();
+    void theRevealHidesTheText_data();
+    void theRevealHidesTheText();
     void theFlagIsStillFalseInsideTheSignal();
     void theFlagGoesFalseWithEveryLine();
     void withoutDurationTheFlagStaysFalse();
@@ -470,6 +472,54 @@ void tst_UtilsLogger::linesAreRevealedOneAfterAnother()
     QVERIFY(logger.isAllAnimationsCompleted());
 }
 
+void tst_UtilsLogger::theRevealHidesTheText_data()
+{
+    const QString theme = "*[background-color=\"main\"] { background-color: #22262c; } QLabel { color: #ffffff; }"
+                          "QLabel[font-size=\"level2\"] { font-size: 14px; }";
+    QTest::addColumn<QString>("styleSheet");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("without style sheet") << ""
+                                         << "Erasing";
+    QTest::newRow("with style sheet") << theme << "Erasing";
+    QTest::newRow("right to left") << theme << QString(10, QChar(0x05d0));
+}
+
+void tst_UtilsLogger::theRevealHidesTheText()
+{
+    QFETCH(QString, styleSheet);
+    QFETCH(QString, text);
+    QWidget window;
+    window.setStyleSheet(styleSheet);
+    UtilsLogger logger(&window, Endless);
+    if (!styleSheet.isEmpty())
+        logger.setProperty("background-color", "main");
+    logger.resize(200, 100);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+
+    const auto colorsIn = [&logger](const UtilsLoggerLine *line) {
+        QCoreApplication::processEvents();
+        const QImage image = logger.grab(QRect(line->mapTo(&logger, QPoint(0, 0)), line->size())).toImage();
+        QSet<QRgb> colors;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x)
+                colors.insert(image.pixel(x, y));
+        }
+        return colors.size();
+    };
+    const UtilsLoggerLine *hidden = logger.addLine(text, LOGGER_MESSAGE_DEFAULT);
+    QTRY_VERIFY(hidden->isVisible());
+    QCOMPARE(colorsIn(hidden), 1); // nothing but the background
+
+    logger.clear();
+    logger.setLineAnimationDuration(Short);
+    QSignalSpy completed(&logger, &UtilsLogger::signalLoggerAnimationsCompleted);
+    const UtilsLoggerLine *revealed = logger.addLine(text, LOGGER_MESSAGE_DEFAULT);
+    QTRY_COMPARE(completed.count(), 1);
+    QTRY_VERIFY(revealed->isVisible());
+    QVERIFY(colorsIn(revealed) > 1);
+}
+
 void tst_UtilsLogger::theFlagIsStillFalseInsideTheSignal()
 {
     UtilsLogger logger(nullptr, Short);
@@ -835,6 +885,7 @@ void tst_UtilsLogger::rowsStandWhereTheListSaysTheyDo()
         const QRect viewport = list->viewport()->rect();
         const QList<UtilsLoggerLine *> lines = logger.getChildrenWidgets();
         QCOMPARE(lines.size(), list->count());
+        QCOMPARE(list->visualItemRect(list->item(0)).height(), RowHeight);
         QCOMPARE(list->visualItemRect(list->item(1)).y() - list->visualItemRect(list->item(0)).y(), RowHeight);
         for (UtilsLoggerLine *line : lines) {
             QRect row;
@@ -845,7 +896,7 @@ void tst_UtilsLogger::rowsStandWhereTheListSaysTheyDo()
             if (row.intersects(viewport)) {
                 QCOMPARE(line->x(), row.x());
                 QCOMPARE(line->y(), row.y());
-                QCOMPARE(line->width(), row.width());
+                QCOMPARE(line->size(), row.size());
                 QVERIFY(line->isVisible());
             } else {
                 QVERIFY2(!line->isVisible() || !line->geometry().intersects(viewport), "covers another line");

@@ -351,27 +351,30 @@ void tst_UtilsLoggerLine::withoutDurationTheRowIsNotHidden()
 
 void tst_UtilsLoggerLine::theHidingFrameCoversWhatIsNotRevealed_data()
 {
-    QTest::addColumn<Qt::LayoutDirection>("direction");
+    QTest::addColumn<QString>("text");
     QTest::addColumn<int>("start");
     QTest::addColumn<QRect>("covered");
+    const QString latin("verified");
+    const QString hebrew(QChar(0x05d0));
     // A line of 200 x 16 pixels with a border of 1.
-    QTest::newRow("nothing revealed") << Qt::LeftToRight << 0 << QRect(1, 1, 198, 14);
-    QTest::newRow("some") << Qt::LeftToRight << 50 << QRect(51, 1, 148, 14);
-    QTest::newRow("all but a pixel") << Qt::LeftToRight << 197 << QRect(198, 1, 1, 14);
-    QTest::newRow("all: the frame keeps its size") << Qt::LeftToRight << 198 << QRect(199, 1, 100, 14);
-    QTest::newRow("more than all: the frame keeps its size") << Qt::LeftToRight << 300 << QRect(301, 1, 100, 14);
-    QTest::newRow("nothing revealed, right to left") << Qt::RightToLeft << 0 << QRect(1, 1, 198, 14);
-    QTest::newRow("some, right to left") << Qt::RightToLeft << 50 << QRect(1, 1, 148, 14);
-    QTest::newRow("all, right to left") << Qt::RightToLeft << 198 << QRect(-99, 1, 100, 14);
+    QTest::newRow("nothing revealed") << latin << 0 << QRect(1, 1, 198, 14);
+    QTest::newRow("some") << latin << 50 << QRect(51, 1, 148, 14);
+    QTest::newRow("all but a pixel") << latin << 197 << QRect(198, 1, 1, 14);
+    QTest::newRow("all: the frame keeps its size") << latin << 198 << QRect(199, 1, 100, 14);
+    QTest::newRow("more than all: the frame keeps its size") << latin << 300 << QRect(301, 1, 100, 14);
+    QTest::newRow("nothing revealed, right to left") << hebrew << 0 << QRect(1, 1, 198, 14);
+    QTest::newRow("some, right to left") << hebrew << 50 << QRect(1, 1, 148, 14);
+    QTest::newRow("all, right to left") << hebrew << 198 << QRect(-99, 1, 100, 14);
 }
 
 void tst_UtilsLoggerLine::theHidingFrameCoversWhatIsNotRevealed()
 {
-    QFETCH(Qt::LayoutDirection, direction);
+    QFETCH(QString, text);
     QFETCH(int, start);
     QFETCH(QRect, covered);
     UtilsLoggerLine line(nullptr, Endless);
-    line.setLayoutDirection(direction);
+    line.setText(text);
+    delete revealOf(line);
     line.setFixedSize(200, 16);
     line.show();
     QVERIFY(QTest::qWaitForWindowExposed(&line));
