@@ -300,7 +300,7 @@ void tst_UtilsSequentialAnimation::theQueueGoesOn()
     for (int i = 0; i < 3; ++i) {
         targets[i] = new Target;
         targets[i]->setParent(&owner);
-        animations[i] = makeAnimation(targets[i], i == entry ? 300 : Short);
+        animations[i] = makeAnimation(targets[i], i == entry ? Endless : Short);
         connect(animations[i], &QAbstractAnimation::finished, this, [&reachedEnd] { ++reachedEnd; });
         queue.AddAnimation(animations[i]);
     }
