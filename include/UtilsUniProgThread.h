@@ -16,7 +16,9 @@
 
 #include <atomic>
 
+class PowerModuleImage;
 class QThread;
+class UtilsBootloader;
 
 /// Runs operations on the programmer without blocking the caller: one request at a time, each on a worker thread of
 /// its own, reported through signals.
@@ -146,7 +148,10 @@ public:
     int PowerBootloaderActivate();
     int PowerBootloaderGetInfo();
     int PowerBootloaderReset();
-    /// Updates the firmware of the power module with the image of the resource "://bin/pm_enc".
+    /// Updates the firmware of the power module with the image of the resource "://bin/pm_enc". A block that fails is
+    /// tried again, but the number of attempts is that of the blocks; the module is reset also after a failed check.
+    /// The image that comes with this library is a placeholder; a build replaces it through the CMake variable
+    /// UNIPROG_POWER_MODULE_IMAGE.
     int PowerBootloaderWrite();
     /// @}
 
@@ -244,6 +249,9 @@ private:
     void Operation_BootloaderEnter(int &status);
     void Operation_BootloaderProcess(int &status);
     void Operation_BootloaderExit(int &status);
+
+    void UpdateDevice(const UtilsBootloader &image, int &status, QString &failure);
+    void WritePowerModule(const PowerModuleImage &image, int &status);
 
     /// Makes the procedures of all objects take turns.
     static QMutex *mutexAccessThread;

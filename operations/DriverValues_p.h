@@ -24,6 +24,9 @@ constexpr int EraseWhatIsWritten = 2;
 /// Connection option of the target descriptor; not 0: the target stays halted after a reset.
 constexpr int HaltAfterResetOption = 5;
 
+/// Progress without a percentage.
+constexpr int BusyProgress = -1;
+
 constexpr int ResetMode = 0;
 constexpr int WriteMode = 0;
 

@@ -399,8 +399,8 @@ void UtilsUniProgThread::StartWorker(const char *slot)
     }
 
     moveToThread(worker);
-    // Automatic connections, all of them. The second one runs on the worker, where the object lives: it is lost there if
-    // anyone else tries to move it. The third and the fourth run where the worker was created, at home.
+    // Automatic connections, all of them. The second one runs on the worker, where the object lives: it is lost there
+    // if anyone else tries to move it. The third and the fourth run where the worker was created, at home.
     connect(worker, SIGNAL(started()), this, slot);
     connect(worker, SIGNAL(finished()), this, SLOT(SlotProcedureFinished()));
     connect(this, SIGNAL(finished()), worker, SLOT(quit()));

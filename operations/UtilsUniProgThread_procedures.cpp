@@ -12,8 +12,6 @@ using namespace DriverValues;
 
 namespace {
 
-constexpr int BusyProgress = -1;
-
 /// What the target needs after a write before it answers again.
 constexpr int SettleAfterWriteMs = 500;
 
