@@ -423,7 +423,6 @@ private:
 
 void tst_UtilsStyleSheet::theFillAgreesWithAModel()
 {
-    constexpr int Inputs = 1'000'000;
     constexpr int ThemeSize = 512; // a shorter theme is followed by blanks
     QFile file(QStringLiteral(RANDOM_RESOURCE));
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -436,7 +435,7 @@ void tst_UtilsStyleSheet::theFillAgreesWithAModel()
 
     QRandomGenerator random(20'260'203);
     const UtilsStyleSheet sheet(":/random/styleSheet");
-    for (int input = 0; input < Inputs; ++input) {
+    for (int input = 0; input < RANDOM_INPUTS; ++input) {
         const RandomTheme expected(random);
         QVERIFY(expected.theme.size() <= ThemeSize);
         std::copy(expected.styleSheet.cbegin(), expected.styleSheet.cend(), data + styleSheetAt);

@@ -249,8 +249,6 @@ void tst_UtilsToken::tokensAreValues()
 // A second reading of both forms, on plain integers and without Qt's conversions.
 namespace model {
 
-constexpr int Inputs = 1'000'000;
-
 struct Item
 {
     std::string text;
@@ -361,7 +359,7 @@ bool agrees(UtilsToken &token, const Token &expected)
 void tst_UtilsToken::theBinaryFormAgreesWithAModel()
 {
     QRandomGenerator random(20'260'201);
-    for (int input = 0; input < model::Inputs; ++input) {
+    for (int input = 0; input < RANDOM_INPUTS; ++input) {
         // Mostly groups that follow one another; identifiers, counts and lengths that are off now and then.
         std::vector<int> bytes;
         for (int i = random.bounded(16) == 0 ? random.bounded(4) : 4; i > 0; --i)
@@ -400,7 +398,7 @@ void tst_UtilsToken::theTextFormAgreesWithAModel()
                                             "00000000000000000000001",
                                             "1 1"};
     QRandomGenerator random(20'260'202);
-    for (int input = 0; input < model::Inputs; ++input) {
+    for (int input = 0; input < RANDOM_INPUTS; ++input) {
         std::string text;
         for (int pieces = random.bounded(13); pieces > 0; --pieces) {
             if (random.bounded(6) == 0)
