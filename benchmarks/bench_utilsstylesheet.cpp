@@ -1,3 +1,5 @@
+#include "BenchmarkMain.h"
+
 #include <UtilsStyleSheet.h>
 
 #include <benchmark/benchmark.h>
@@ -78,7 +80,7 @@ static void fill(benchmark::State &state)
         benchmark::DoNotOptimize(sheet.replaceXmlMarkers(files.theme()));
     state.SetBytesProcessed(state.iterations() * state.range(0) * 1024);
 }
-BENCHMARK(fill)->Apply(sizes);
+BENCHMARK(fill)->Name("fill/UtilsStyleSheet")->Apply(sizes);
 
 // The same steps in a plain loop.
 static void plainReplaceLoop(benchmark::State &state)
@@ -97,13 +99,11 @@ static void plainReplaceLoop(benchmark::State &state)
     }
     state.SetBytesProcessed(state.iterations() * state.range(0) * 1024);
 }
-BENCHMARK(plainReplaceLoop)->Apply(sizes);
+BENCHMARK(plainReplaceLoop)->Name("fill/plain loop")->Apply(sizes);
 
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return runBenchmarks(argc, argv);
 }

@@ -1,3 +1,5 @@
+#include "BenchmarkMain.h"
+
 #include <UtilsToken.h>
 
 #include <benchmark/benchmark.h>
@@ -38,7 +40,7 @@ static void tokenFromBytes(benchmark::State &state)
     }
     state.SetBytesProcessed(state.iterations() * data.size());
 }
-BENCHMARK(tokenFromBytes)->Arg(4)->Arg(16)->Arg(127);
+BENCHMARK(tokenFromBytes)->Name("binary form/UtilsToken")->Arg(4)->Arg(16)->Arg(127);
 
 // The steps that a token of the binary form costs at least: one text a byte, a list a group, a map.
 static void qtTextsOfBytes(benchmark::State &state)
@@ -56,7 +58,7 @@ static void qtTextsOfBytes(benchmark::State &state)
     }
     state.SetBytesProcessed(state.iterations() * data.size());
 }
-BENCHMARK(qtTextsOfBytes)->Arg(4)->Arg(16)->Arg(127);
+BENCHMARK(qtTextsOfBytes)->Name("binary form/Qt")->Arg(4)->Arg(16)->Arg(127);
 
 static void tokenFromText(benchmark::State &state)
 {
@@ -67,7 +69,7 @@ static void tokenFromText(benchmark::State &state)
     }
     state.SetBytesProcessed(state.iterations() * text.size());
 }
-BENCHMARK(tokenFromText)->Arg(4)->Arg(16)->Arg(127);
+BENCHMARK(tokenFromText)->Name("text form/UtilsToken")->Arg(4)->Arg(16)->Arg(127);
 
 static void qtSplitOfText(benchmark::State &state)
 {
@@ -81,7 +83,7 @@ static void qtSplitOfText(benchmark::State &state)
     }
     state.SetBytesProcessed(state.iterations() * text.size());
 }
-BENCHMARK(qtSplitOfText)->Arg(4)->Arg(16)->Arg(127);
+BENCHMARK(qtSplitOfText)->Name("text form/Qt")->Arg(4)->Arg(16)->Arg(127);
 
 static void bytesOfAGroup(benchmark::State &state)
 {
@@ -90,6 +92,23 @@ static void bytesOfAGroup(benchmark::State &state)
         benchmark::DoNotOptimize(token.getTokenGroupVector(HwTokenGroup1));
     state.SetBytesProcessed(state.iterations() * state.range(0));
 }
-BENCHMARK(bytesOfAGroup)->Arg(4)->Arg(16)->Arg(127);
+BENCHMARK(bytesOfAGroup)->Name("bytes of a group/UtilsToken")->Arg(4)->Arg(16)->Arg(127);
 
-BENCHMARK_MAIN();
+static void qtNumbersOfTexts(benchmark::State &state)
+{
+    const QList<QString> texts = UtilsToken(binaryToken(state.range(0))).getTokenGroup(HwTokenGroup1);
+    for (auto _ : state) {
+        QList<unsigned char> bytes;
+        bytes.reserve(texts.size());
+        for (const QString &text : texts)
+            bytes.append(static_cast<unsigned char>(text.toUInt(nullptr, 16)));
+        benchmark::DoNotOptimize(bytes);
+    }
+    state.SetBytesProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(qtNumbersOfTexts)->Name("bytes of a group/Qt")->Arg(4)->Arg(16)->Arg(127);
+
+int main(int argc, char **argv)
+{
+    return runBenchmarks(argc, argv);
+}
