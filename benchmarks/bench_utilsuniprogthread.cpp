@@ -4,6 +4,8 @@
 // Both are timed in turns in one loop, so that they meet the same machine; the counter "ratio" is the class's time
 // divided by bare Qt's.
 
+#include "BenchmarkMain.h"
+
 #include <ScriptedDriver.h>
 #include <UtilsUniProgThread.h>
 
@@ -156,12 +158,7 @@ BENCHMARK(requestToCompletion)->UseManualTime()->Unit(benchmark::kMicrosecond)->
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return runBenchmarks(argc, argv);
 }
 
 #include "bench_utilsuniprogthread.moc"
