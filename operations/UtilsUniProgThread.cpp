@@ -344,7 +344,7 @@ void UtilsUniProgThread::SelectOperation(Procedure procedure)
 
 /// The last act of a request. Only the thread that the object lives in may move it to a worker, so a request from
 /// another thread hops there. While the last worker is still ending the object lives in that one, and the start has to
-/// wait until it is home.
+/// wait until it is home. Workers are created at home only, where the destructor looks for them.
 void UtilsUniProgThread::StartProcedure(const char *slot)
 {
     {
@@ -353,7 +353,7 @@ void UtilsUniProgThread::StartProcedure(const char *slot)
         procedureInProgress = true;
         waitingStarts.append(slot);
     }
-    if (QThread::currentThread() == thread() && !IsOnWorker())
+    if (QThread::currentThread() == thread() && thread() == homeThread)
         SlotStartNext();
     else
         PostStart();
@@ -367,11 +367,15 @@ void UtilsUniProgThread::PostStart()
 
 void UtilsUniProgThread::SlotStartNext()
 {
-    const bool onWorker = IsOnWorker();
+    if (QThread::currentThread() != homeThread && !IsOnWorker()) {
+        moveToThread(homeThread); // the application has moved the object away
+        PostStart();
+        return;
+    }
     QMutexLocker locker(&lifecycleMutex);
     if (waitingStarts.isEmpty())
         return; // an earlier call has done it
-    if (!onWorker) {
+    if (QThread::currentThread() == homeThread) {
         const char *const slot = waitingStarts.takeFirst();
         locker.unlock();
         StartWorker(slot);

@@ -241,6 +241,7 @@ void tst_UtilsUniProgThreadLifecycle::anObjectThatWasMovedComesBackToItsHome()
     rig.thread.FindDevice();
     QVERIFY(rig.settle());
     QCOMPARE(rig.log.lastStatus, 0);
+    QCOMPARE(rig.log.completions, 1);
     QCOMPARE(rig.thread.thread(), QThread::currentThread());
 }
 
