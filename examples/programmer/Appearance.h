@@ -1,0 +1,18 @@
+#ifndef APPEARANCE_H
+#define APPEARANCE_H
+
+#include <QStringList>
+
+/// The look of the suite: the style sheet that gives every role name of the library's widgets colours and sizes, filled
+/// in with one of the themes.
+namespace Appearance {
+
+/// Names of the themes; the first one is the usual one.
+QStringList themes();
+
+/// Gives the application the look of @p theme, also while it runs.
+void apply(const QString &theme);
+
+} // namespace Appearance
+
+#endif // APPEARANCE_H

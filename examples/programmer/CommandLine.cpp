@@ -1,0 +1,206 @@
+#include "CommandLine.h"
+
+#include "Appearance.h"
+#include "HeadlessRun.h"
+
+#include <QCommandLineParser>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int SecondsPerDay = 24 * 60 * 60;
+
+const QString HeadlessOption = QStringLiteral("headless");
+const QString OperationOption = QStringLiteral("operation");
+const QString ImageOption = QStringLiteral("image");
+const QString BaseOption = QStringLiteral("base");
+const QString OutputOption = QStringLiteral("output");
+const QString CompareOption = QStringLiteral("compare");
+const QString VerifyOption = QStringLiteral("verify");
+const QString TargetOption = QStringLiteral("option");
+const QString ConnectionOption = QStringLiteral("connection-option");
+const QString FaultOption = QStringLiteral("fault");
+const QString SpeedOption = QStringLiteral("speed");
+const QString ThemeOption = QStringLiteral("theme");
+const QString PicturesOption = QStringLiteral("pictures");
+const QString TimeoutOption = QStringLiteral("timeout");
+
+QStringList operationNames()
+{
+    QStringList names;
+    for (const ProgrammerSession::Description &description : ProgrammerSession::descriptions())
+        names.append(QString::fromLatin1(description.name));
+    return names;
+}
+
+void describeOptions(QCommandLineParser *parser)
+{
+    parser->setApplicationDescription(
+        QStringLiteral("Writes, reads and checks the memory of a simulated target.\n\n"
+                       "Without --operation a window opens. With it, or with --headless, the operations run without "
+                       "a display; the log goes to the standard output, and the exit code is the final status: ")
+        + HeadlessRun::exitCodeHelp());
+    parser->addHelpOption();
+    parser->addVersionOption();
+    parser->addOptions({
+        {HeadlessOption, QStringLiteral("Use no display.")},
+        {OperationOption,
+         QStringLiteral("Run OPERATION: %1. May be given several times; a failure ends the sequence.")
+             .arg(operationNames().join(QStringLiteral(", "))),
+         QStringLiteral("OPERATION")},
+        {ImageOption, QStringLiteral("The firmware image: a .bin, .hex or .s19 file."), QStringLiteral("FILE")},
+        {BaseOption, QStringLiteral("Where a .bin image starts. 0 by default; 0x for hexadecimal."),
+         QStringLiteral("ADDRESS")},
+        {OutputOption, QStringLiteral("Store what the operation read finds in FILE (.hex, .s19 or .bin)."),
+         QStringLiteral("FILE")},
+        {CompareOption, QStringLiteral("At the end, compare the memory of the target with the image.")},
+        {VerifyOption, QStringLiteral("Verify after writing, as --option 2=1.")},
+        {TargetOption,
+         QStringLiteral("Set operation option N to V. 0: erase mode, 2 erases only what the image needs; "
+                        "1: not 0 leaves the target running; 2: not 0 verifies after writing."),
+         QStringLiteral("N=V")},
+        {ConnectionOption,
+         QStringLiteral("Set connection option N to V. 5: not 0 keeps the target halted after reset."),
+         QStringLiteral("N=V")},
+        {FaultOption,
+         QStringLiteral("Let something fail, for example device-connect=38 or write@block=3. Names: %1.")
+             .arg(SimulatedProgrammer::faultNames().join(QStringLiteral(", "))),
+         QStringLiteral("FAULT")},
+        {SpeedOption, QStringLiteral("Run X times as fast as a real programmer; 0 never waits. 1 by default."),
+         QStringLiteral("X")},
+        {ThemeOption,
+         QStringLiteral("The look: %1. The first one by default.").arg(Appearance::themes().join(QStringLiteral(", "))),
+         QStringLiteral("THEME"), Appearance::themes().constFirst()},
+        {PicturesOption, QStringLiteral("Leave pictures of the window in the folder DIR."), QStringLiteral("DIR")},
+        {TimeoutOption, QStringLiteral("Give up after S seconds. 300 by default."), QStringLiteral("S")},
+    });
+}
+
+bool readNumberedValues(const QStringList &texts, QList<QPair<int, int>> *values, QString *error)
+{
+    for (const QString &text : texts) {
+        bool numberOk = false;
+        bool valueOk = false;
+        const int number = text.section(u'=', 0, 0).toInt(&numberOk);
+        const int value = text.section(u'=', 1).toInt(&valueOk);
+        if (!numberOk || !valueOk || number < 0) {
+            *error = QStringLiteral("An option is given as N=V, two whole numbers; \"%1\" is not.").arg(text);
+            return false;
+        }
+        values->append({number, value});
+    }
+    return true;
+}
+
+bool readOperations(const QStringList &texts, QList<ProgrammerSession::Operation> *operations, QString *error)
+{
+    const QStringList names = operationNames();
+    for (const QString &text : texts) {
+        const qsizetype index = names.indexOf(text);
+        if (index < 0) {
+            *error = QStringLiteral("There is no operation \"%1\". Choose from: %2.")
+                         .arg(text, names.join(QStringLiteral(", ")));
+            return false;
+        }
+        operations->append(ProgrammerSession::descriptions().at(index).operation);
+    }
+    return true;
+}
+
+bool readNumbers(const QCommandLineParser &parser, CommandLine *commandLine, QString *error)
+{
+    bool ok = true;
+    if (parser.isSet(BaseOption))
+        commandLine->binaryBase = parser.value(BaseOption).toUInt(&ok, 0);
+    if (!ok) {
+        *error = QStringLiteral("\"%1\" is no address from 0 to 0xFFFFFFFF.").arg(parser.value(BaseOption));
+        return false;
+    }
+    if (parser.isSet(SpeedOption))
+        commandLine->speed = parser.value(SpeedOption).toDouble(&ok);
+    if (!ok || !(commandLine->speed == 0 || (commandLine->speed >= 0.001 && commandLine->speed <= 1e6))) {
+        *error = QStringLiteral("\"%1\" is no speed. Give 0, or a number from 0.001 to 1000000.")
+                     .arg(parser.value(SpeedOption));
+        return false;
+    }
+    if (parser.isSet(TimeoutOption))
+        commandLine->timeout = parser.value(TimeoutOption).toInt(&ok);
+    if (!ok || commandLine->timeout < 1 || commandLine->timeout > SecondsPerDay) {
+        *error = QStringLiteral("\"%1\" is no time of 1 to %2 seconds.")
+                     .arg(parser.value(TimeoutOption))
+                     .arg(SecondsPerDay);
+        return false;
+    }
+    return true;
+}
+
+bool checkFiles(const CommandLine &commandLine, QString *error)
+{
+    using Operation = ProgrammerSession::Operation;
+    const auto &operations = commandLine.operations;
+    const auto needsImage = [](Operation operation) { return ProgrammerSession::describe(operation).needsImage; };
+    if (commandLine.image.isEmpty()
+        && (commandLine.compare || std::any_of(operations.cbegin(), operations.cend(), needsImage))) {
+        *error = QStringLiteral("Please choose an image with --image FILE.");
+        return false;
+    }
+    if (!commandLine.output.isEmpty() && !operations.contains(Operation::Read)) {
+        *error = QStringLiteral("There is nothing to store in %1 without --operation read.").arg(commandLine.output);
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool readCommandLine(const QStringList &arguments, CommandLine *commandLine, QString *error)
+{
+    QCommandLineParser parser;
+    describeOptions(&parser);
+    if (!parser.parse(arguments)) {
+        *error = parser.errorText();
+        return false;
+    }
+    if (parser.isSet(QStringLiteral("help")) || parser.isSet(QStringLiteral("help-all")))
+        parser.showHelp();
+    if (parser.isSet(QStringLiteral("version")))
+        parser.showVersion();
+    if (!parser.positionalArguments().isEmpty()) {
+        *error = QStringLiteral("What is \"%1\"? Every argument has a name, see --help.")
+                     .arg(parser.positionalArguments().constFirst());
+        return false;
+    }
+
+    commandLine->image = parser.value(ImageOption);
+    commandLine->output = parser.value(OutputOption);
+    commandLine->compare = parser.isSet(CompareOption);
+    commandLine->faults = parser.values(FaultOption);
+    commandLine->theme = parser.value(ThemeOption);
+    if (!Appearance::themes().contains(commandLine->theme)) {
+        *error = QStringLiteral("There is no theme \"%1\". Choose from: %2.")
+                     .arg(commandLine->theme, Appearance::themes().join(QStringLiteral(", ")));
+        return false;
+    }
+    commandLine->pictures = parser.value(PicturesOption);
+    if (parser.isSet(VerifyOption))
+        commandLine->operationOptions.append({TargetOptionsOperation::VerifyAfterWrite, 1});
+    return readOperations(parser.values(OperationOption), &commandLine->operations, error)
+        && readNumberedValues(parser.values(TargetOption), &commandLine->operationOptions, error)
+        && readNumberedValues(parser.values(ConnectionOption), &commandLine->connectionOptions, error)
+        && readNumbers(parser, commandLine, error) && checkFiles(*commandLine, error);
+}
+
+bool applySettings(const CommandLine &commandLine, ProgrammerSession *session, QString *error)
+{
+    session->programmer().setTimeScale(commandLine.speed == 0 ? 0 : 1 / commandLine.speed);
+    for (const auto &[number, value] : commandLine.operationOptions)
+        session->operationOptions().setIntValue(number, value);
+    for (const auto &[number, value] : commandLine.connectionOptions)
+        session->connectionOptions().setIntValue(number, value);
+    for (const QString &fault : commandLine.faults) {
+        if (!session->addFault(fault, error))
+            return false;
+    }
+    return true;
+}

@@ -1,0 +1,295 @@
+#include "MainWindow.h"
+
+#include "FaultPanel.h"
+#include "FirmwareFile.h"
+
+#include <UtilsDialogProcessing.h>
+#include <UtilsMisc.h>
+#include <UtilsSingleInstance.h>
+#include <UtilsUniProgStatus.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QFormLayout>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRegularExpressionValidator>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr QSize InitialSize(820, 540);
+constexpr int ButtonHeight = 34;
+constexpr int HexadecimalBase = 16;
+constexpr int AddressDigits = 8;
+constexpr int RangesShown = 3;
+constexpr int EraseWhatIsNeeded = 2; // value of the operation option "erase mode"
+
+QString address(quint32 value)
+{
+    return QStringLiteral("0x%1").arg(QString::number(value, HexadecimalBase).toUpper(), AddressDigits,
+                                      QLatin1Char('0'));
+}
+
+} // namespace
+
+MainWindow::MainWindow(ProgrammerSession *programmerSession, QWidget *parent)
+    : QMainWindow(parent)
+    , session(programmerSession)
+    , explanation(new UtilsUniProgStatus(
+          &programmerSession->programmer(),
+          UtilsUniProgStatus::STATUS_FLAG_AUTHENTICATION | UtilsUniProgStatus::STATUS_FLAG_ERROR, this))
+{
+    setupForm();
+    UtilsSingleInstance::setAppMainWidget(this);
+    connect(session, &ProgrammerSession::imageChanged, this, &MainWindow::showImage);
+    connect(session, &ProgrammerSession::completed, this, &MainWindow::operationCompleted);
+    showImage();
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::setAutoClose(bool enabled)
+{
+    autoCloseBox->setChecked(enabled);
+}
+
+UtilsDialogProcessing *MainWindow::run(ProgrammerSession::Operation operation)
+{
+    if (!session->canStart(operation))
+        return nullptr;
+
+    dialog = new UtilsDialogProcessing(this, &autoClose);
+    dialog->setMessage(tr(ProgrammerSession::describe(operation).message));
+    const UtilsUniProgThread &thread = session->thread();
+    connect(&thread, &UtilsUniProgThread::SignalOperationLogMessage, dialog, &UtilsDialogProcessing::slotUpdateLog);
+    connect(&thread, &UtilsUniProgThread::SignalOperationProgress, dialog,
+            &UtilsDialogProcessing::slotUpdateProgressbar);
+    connect(&thread, &UtilsUniProgThread::SignalProcedureCompleted, dialog,
+            &UtilsDialogProcessing::slotProcedureCompleted);
+    connect(dialog, &UtilsDialogProcessing::signalDialogClosed, this, &MainWindow::dialogClosed);
+    dialog->show();
+    session->start(operation);
+    return dialog;
+}
+
+void MainWindow::setupForm()
+{
+    setObjectName(QStringLiteral("MainWindow"));
+    setWindowTitle(tr("Programmer"));
+    resize(InitialSize);
+
+    auto *central = new QWidget(this);
+    central->setObjectName(QStringLiteral("central"));
+    auto *layout = new QGridLayout(central);
+    layout->addWidget(createImageGroup(), 0, 0, 1, 2);
+    layout->addWidget(createOptionsGroup(), 1, 0);
+    layout->addWidget(new FaultPanel(session, central), 1, 1);
+    layout->addWidget(createOperationButtons(), 2, 0, 1, 2);
+    resultLabel = new QLabel(central);
+    resultLabel->setObjectName(QStringLiteral("result"));
+    resultLabel->setWordWrap(true);
+    layout->addWidget(resultLabel, 3, 0, 1, 2);
+    layout->setRowStretch(1, 1);
+    layout->setColumnStretch(0, 1);
+    layout->setColumnStretch(1, 1);
+    setCentralWidget(central);
+}
+
+QGroupBox *MainWindow::createImageGroup()
+{
+    auto *group = new QGroupBox(tr("Firmware image"));
+    auto *layout = new QFormLayout(group);
+
+    auto *row = new QHBoxLayout;
+    pathEdit = new QLineEdit;
+    pathEdit->setObjectName(QStringLiteral("imagePath"));
+    pathEdit->setPlaceholderText(tr("A .bin, .hex or .s19 file"));
+    connect(pathEdit, &QLineEdit::returnPressed, this, &MainWindow::loadImage);
+    row->addWidget(pathEdit);
+    auto *browse = new QToolButton;
+    browse->setObjectName(QStringLiteral("browse"));
+    browse->setText(tr("Choose..."));
+    connect(browse, &QToolButton::clicked, this, &MainWindow::chooseImage);
+    row->addWidget(browse);
+    layout->addRow(tr("&File:"), row);
+    static_cast<QLabel *>(layout->labelForField(row))->setBuddy(pathEdit);
+
+    baseEdit = new QLineEdit(address(0));
+    baseEdit->setObjectName(QStringLiteral("binaryBase"));
+    baseEdit->setValidator(
+        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("(0[xX])?[0-9a-fA-F]{1,8}")), baseEdit));
+    connect(baseEdit, &QLineEdit::returnPressed, this, &MainWindow::loadImage);
+    layout->addRow(tr("&Start of a .bin file:"), baseEdit);
+
+    imageLabel = new QLabel;
+    imageLabel->setObjectName(QStringLiteral("imageSummary"));
+    imageLabel->setWordWrap(true);
+    layout->addRow(tr("Content:"), imageLabel);
+    return group;
+}
+
+QGroupBox *MainWindow::createOptionsGroup()
+{
+    auto *group = new QGroupBox(tr("Options"));
+    auto *layout = new QVBoxLayout(group);
+    TargetOptionsOperation *operation = &session->operationOptions();
+
+    auto *eraseMode = new QComboBox;
+    eraseMode->setObjectName(QStringLiteral("eraseMode"));
+    eraseMode->setAccessibleName(tr("What is erased before a write"));
+    eraseMode->addItem(tr("Erase the whole target before a write"), 0);
+    eraseMode->addItem(tr("Erase only what the image needs"), EraseWhatIsNeeded);
+    const int mode = operation->getIntValue(TargetOptionsOperation::EraseMode);
+    eraseMode->setCurrentIndex(mode == EraseWhatIsNeeded ? 1 : 0);
+    connect(eraseMode, &QComboBox::currentIndexChanged, this,
+            [=] { operation->setIntValue(TargetOptionsOperation::EraseMode, eraseMode->currentData().toInt()); });
+    layout->addWidget(eraseMode);
+
+    layout->addWidget(createOption(QStringLiteral("leaveRunning"), tr("Leave the target running"), operation,
+                                   TargetOptionsOperation::LeaveRunning));
+    layout->addWidget(createOption(QStringLiteral("verifyAfterWrite"), tr("Verify after a write"), operation,
+                                   TargetOptionsOperation::VerifyAfterWrite));
+    layout->addWidget(createOption(QStringLiteral("haltAfterReset"), tr("Halt the target after a reset"),
+                                   &session->connectionOptions(), TargetOptionsConnection::HaltAfterReset));
+    layout->addStretch();
+
+    autoCloseBox = new QCheckBox(tr("Close the dialog after a success"));
+    autoCloseBox->setObjectName(QStringLiteral("autoClose"));
+    autoCloseBox->setChecked(autoClose);
+    connect(autoCloseBox, &QCheckBox::toggled, this, [this](bool checked) { autoClose = checked; });
+    layout->addWidget(autoCloseBox);
+    return group;
+}
+
+QCheckBox *MainWindow::createOption(const QString &name, const QString &text, TargetOptions *options, int option)
+{
+    auto *box = new QCheckBox(text);
+    box->setObjectName(name);
+    box->setChecked(options->getIntValue(option) != 0);
+    connect(box, &QCheckBox::toggled, this, [=](bool checked) { options->setIntValue(option, checked ? 1 : 0); });
+    return box;
+}
+
+QWidget *MainWindow::createOperationButtons()
+{
+    auto *row = new QWidget;
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    const auto addButton = [&](const QString &name, const QString &text) {
+        auto *button = new QToolButton;
+        button->setObjectName(name);
+        button->setText(text);
+        button->setMinimumHeight(ButtonHeight);
+        button->setFocusPolicy(Qt::StrongFocus);
+        button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        layout->addWidget(button);
+        return button;
+    };
+    for (const ProgrammerSession::Description &description : ProgrammerSession::descriptions()) {
+        QToolButton *button = addButton(QString::fromLatin1(description.name), tr(description.caption));
+        const ProgrammerSession::Operation operation = description.operation;
+        connect(button, &QToolButton::clicked, this, [this, operation] { run(operation); });
+        operationButtons.append(button);
+    }
+    saveButton = addButton(QStringLiteral("save"), tr("Save..."));
+    saveButton->setToolTip(tr("Stores what was read last in a file"));
+    connect(saveButton, &QToolButton::clicked, this, &MainWindow::saveContents);
+    return row;
+}
+
+void MainWindow::chooseImage()
+{
+    const QString path = QFileDialog::getOpenFileName(this, tr("Firmware image"), session->imagePath(),
+                                                      tr("Firmware images (*.bin *.hex *.ihex *.s19 *.s28 *.s37 "
+                                                         "*.srec *.mot);;All files (*)"));
+    if (path.isEmpty())
+        return;
+    pathEdit->setText(path);
+    loadImage();
+}
+
+void MainWindow::loadImage()
+{
+    bool ok = false;
+    const quint32 base = baseEdit->text().toUInt(&ok, HexadecimalBase);
+    QString error;
+    if (!ok)
+        error = tr("The start of the file is no address.");
+    else
+        session->loadImage(pathEdit->text(), base, &error);
+    if (!error.isEmpty())
+        showOutcome(error, LOGGER_MESSAGE_ERROR);
+}
+
+void MainWindow::saveContents()
+{
+    const QString path = QFileDialog::getSaveFileName(this, tr("What was read"), QString(),
+                                                      tr("Intel HEX (*.hex);;S-record (*.s19);;Binary (*.bin)"));
+    if (path.isEmpty())
+        return;
+    QString error;
+    if (FirmwareFile::save(path, session->contents(), &error))
+        showOutcome(tr("Stored in %1.").arg(path), LOGGER_MESSAGE_SUCCESS);
+    else
+        showOutcome(error, LOGGER_MESSAGE_ERROR);
+}
+
+void MainWindow::showImage()
+{
+    const QList<MemoryManager::Segment> segments = session->image().segments();
+    QStringList ranges;
+    for (const MemoryManager::Segment &segment : segments.mid(0, RangesShown))
+        ranges.append(QStringLiteral("%1 - %2").arg(address(segment.address),
+                                                    address(segment.address + quint32(segment.data.size() - 1))));
+    if (segments.size() > RangesShown)
+        ranges.append(tr("and %1 more").arg(segments.size() - RangesShown));
+
+    if (!session->imagePath().isEmpty())
+        pathEdit->setText(session->imagePath());
+    imageLabel->setText(segments.isEmpty()
+                            ? tr("No image yet")
+                            : tr("%1 bytes at %2").arg(session->image().size()).arg(ranges.join(tr(", "))));
+    updateButtons();
+}
+
+void MainWindow::updateButtons()
+{
+    const QList<ProgrammerSession::Description> &descriptions = ProgrammerSession::descriptions();
+    for (qsizetype i = 0; i < operationButtons.size(); ++i)
+        operationButtons.at(i)->setEnabled(session->canStart(descriptions.at(i).operation));
+    saveButton->setEnabled(!session->isRunning() && !session->contents().isEmpty());
+}
+
+void MainWindow::showOutcome(const QString &text, LOGGER_MESSAGE_TYPE type)
+{
+    resultLabel->setText(text);
+    UtilsMisc::SetProperty(resultLabel, "log-type",
+                           type == LOGGER_MESSAGE_ERROR ? QStringLiteral("error") : QStringLiteral("success"));
+}
+
+void MainWindow::operationCompleted(ProgrammerSession::Operation operation, int status, const QString &message)
+{
+    lastStatus = status;
+    lastMessage = message;
+    const QString caption = tr(ProgrammerSession::describe(operation).caption);
+    if (status == 0)
+        showOutcome(tr("%1: completed").arg(caption), LOGGER_MESSAGE_SUCCESS);
+    else
+        showOutcome(tr("%1: status %2, %3").arg(caption).arg(status).arg(message.simplified()), LOGGER_MESSAGE_ERROR);
+    updateButtons();
+    if (!dialog) // a window manager may close it early
+        explanation->Start(lastStatus, lastMessage, this);
+}
+
+void MainWindow::dialogClosed()
+{
+    dialog = nullptr;
+    if (!session->isRunning())
+        explanation->Start(lastStatus, lastMessage, this);
+}

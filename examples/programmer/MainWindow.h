@@ -1,0 +1,68 @@
+#ifndef MAINWINDOW_H
+#define MAINWINDOW_H
+
+#include "ProgrammerSession.h"
+
+#include <QList>
+#include <QMainWindow>
+#include <QPointer>
+
+class QCheckBox;
+class QComboBox;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QToolButton;
+class UtilsDialogProcessing;
+class UtilsUniProgStatus;
+
+/// The window of the example: the image, the options, one button an operation, and the faults. It shows the session and
+/// keeps nothing of its own but whether dialogs close by themselves.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(ProgrammerSession *session, QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    /// Whether the dialog of an operation closes by itself after a success. On at first.
+    void setAutoClose(bool enabled);
+
+    /// Starts @p operation under a processing dialog, which is returned and deletes itself when it is closed. Null when
+    /// the session does not start it.
+    UtilsDialogProcessing *run(ProgrammerSession::Operation operation);
+
+private:
+    void setupForm();
+    QGroupBox *createImageGroup();
+    QGroupBox *createOptionsGroup();
+    QWidget *createOperationButtons();
+    QCheckBox *createOption(const QString &name, const QString &text, TargetOptions *options, int option);
+
+    void chooseImage();
+    void loadImage();
+    void saveContents();
+    void showImage();
+    void updateButtons();
+    void showOutcome(const QString &text, LOGGER_MESSAGE_TYPE type);
+    void operationCompleted(ProgrammerSession::Operation operation, int status, const QString &message);
+    void dialogClosed();
+
+    ProgrammerSession *session;
+    UtilsUniProgStatus *explanation; ///< asks for link passwords and shows why an operation failed
+    QPointer<UtilsDialogProcessing> dialog; ///< while it is open
+    bool autoClose = true; ///< dialogs look at it when their operation ends
+    int lastStatus = 0;
+    QString lastMessage;
+
+    QLineEdit *pathEdit = nullptr;
+    QLineEdit *baseEdit = nullptr;
+    QLabel *imageLabel = nullptr;
+    QCheckBox *autoCloseBox = nullptr;
+    QList<QToolButton *> operationButtons; ///< in the order of ProgrammerSession::descriptions()
+    QToolButton *saveButton = nullptr;
+    QLabel *resultLabel = nullptr;
+};
+
+#endif // MAINWINDOW_H

@@ -1,0 +1,88 @@
+#ifndef PROGRAMMERSESSION_H
+#define PROGRAMMERSESSION_H
+
+#include <MemoryManager.h>
+#include <SimulatedProgrammer.h>
+#include <UtilsUniProgThread.h>
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+/// What the application works on: a programmer, the thread that runs its operations, the image and the options. The
+/// window shows it, the command line drives it; both run every operation through start().
+///
+/// The programmer is a simulated one. An application for a real device has its driver in that place; nothing else here
+/// would change.
+class ProgrammerSession : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum class Operation { Write, Read, Verify, BlankCheck, Detect, Erase, Reset };
+
+    /// How an operation is called: by the command line, on its button, and over its log.
+    struct Description
+    {
+        Operation operation;
+        const char *name;
+        const char *caption;
+        const char *message;
+        bool needsImage;
+    };
+    static const QList<Description> &descriptions();
+    static const Description &describe(Operation operation);
+
+    explicit ProgrammerSession(QObject *parent = nullptr);
+    /// A running operation is cut short.
+    ~ProgrammerSession() override;
+
+    SimulatedProgrammer &programmer();
+    UtilsUniProgThread &thread();
+    TargetOptionsOperation &operationOptions();
+    TargetOptionsConnection &connectionOptions();
+
+    const MemoryManager &image() const;
+    QString imagePath() const;
+    /// Loads the image. False and a sentence in @p error when the file cannot be used or an operation is running; the
+    /// image loaded before stays.
+    bool loadImage(const QString &path, quint32 binaryBase, QString *error);
+
+    /// What the last read found; empty before.
+    const MemoryManager &contents() const;
+    /// Whether the last verify, blank check or detect found what it looked for.
+    bool answer() const;
+
+    /// Plans a failure, see SimulatedProgrammer::addFault().
+    bool addFault(const QString &text, QString *error);
+    void clearFaults();
+    QStringList faults() const;
+
+    bool isRunning() const;
+    /// False while an operation is running, and when the image that @p operation needs is missing.
+    bool canStart(Operation operation) const;
+    /// Starts @p operation, if it can be started; its end is told by completed().
+    void start(Operation operation);
+
+Q_SIGNALS:
+    void imageChanged();
+    void faultsChanged();
+    /// @p status 0 is success; @p message is the text of the failure.
+    void completed(ProgrammerSession::Operation operation, int status, const QString &message);
+
+private:
+    void procedureCompleted(int status, const QString &message);
+
+    SimulatedProgrammer device;
+    UtilsUniProgThread operationThread;
+    QSharedPointer<TargetDescriptor> target;
+    MemoryManager firmware;
+    QString firmwarePath;
+    MemoryManager readMemory;
+    bool result = false;
+    QStringList plannedFaults;
+    Operation current = Operation::Write;
+    bool running = false;
+};
+
+#endif // PROGRAMMERSESSION_H

@@ -1,0 +1,456 @@
+#include <FirmwareFile.h>
+#include <MemoryManager.h>
+
+#include <UniProgTest.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QHash>
+#include <QImage>
+#include <QProcess>
+#include <QQueue>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include <memory>
+
+/// Runs the example program without a display, for success and for a failure in each phase, and compares all it prints.
+class tst_ProgrammerExample : public UniProgTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void theTranscriptIsExact_data();
+    void theTranscriptIsExact();
+    void aWrongCommandLineIsRefused_data();
+    void aWrongCommandLineIsRefused();
+    void aTargetThatDiffersIsFound();
+    void aHangEndsWithTheTimeout();
+    void whatWasReadIsStored();
+    void picturesAreLeft();
+    void theHelpNamesEveryOperation();
+
+private:
+    QString path(const char *name) const;
+    std::unique_ptr<QProcess> create(const QStringList &arguments) const;
+    std::unique_ptr<QProcess> run(const QStringList &arguments) const;
+    void add(const QString &name, const QStringList &arguments);
+    void startNext();
+    QProcess *finished(const QString &name) const;
+
+    QTemporaryDir folder;
+    QHash<QString, QProcess *> runs; ///< by name; each waits for animations most of the time, so many run side by side
+    QQueue<QProcess *> waiting;
+};
+
+namespace {
+
+constexpr int LongWait = 120000;
+constexpr int ImageSize = 1024;
+constexpr qint64 TargetSize = 262400; // flash and configuration page
+constexpr int SideBySide = 16;
+constexpr char FinishedProperty[] = "finished";
+
+/// Exit codes beside those that are a status.
+enum { StatusOutOfRange = 250, UsageError = 251, FileError = 252, TargetDiffers = 253, NoAnswer = 254 };
+
+/// Log lines as the example prints them, without the time.
+const QString Start = QStringLiteral("default Starting operation...");
+const QString Connect = QStringLiteral("default Connecting to target MCU...");
+const QString Erase = QStringLiteral("default Erasing MCU...");
+const QString Write = QStringLiteral("default Writing MCU...");
+const QString Verify = QStringLiteral("default Verifying...");
+const QString Running = QStringLiteral("default Chip is running.");
+const QString Disconnected = QStringLiteral("default Disconnected from target.");
+const QString OperationFailed = QStringLiteral("error   Operation failed.");
+
+struct Case
+{
+    const char *name;
+    QStringList arguments;
+    QStringList lines;
+    int exitCode;
+};
+
+const QString WriteTitle = QStringLiteral("Writing the image to the target:");
+
+QStringList faults(std::initializer_list<const char *> texts)
+{
+    QStringList arguments;
+    for (const char *const text : texts)
+        arguments << QStringLiteral("--fault") << QString::fromLatin1(text);
+    return arguments;
+}
+
+QString status(int number, const char *message)
+{
+    return QStringLiteral("Status %1: %2").arg(number).arg(QString::fromLatin1(message));
+}
+
+/// A write with verification that fails.
+Case failedWrite(const char *name, std::initializer_list<const char *> faultTexts, const QStringList &lines, int number,
+                 const char *message)
+{
+    return {name,
+            QStringList{QStringLiteral("--operation"), QStringLiteral("write"), QStringLiteral("--verify")}
+                + faults(faultTexts),
+            QStringList{WriteTitle, Start} + lines + QStringList{status(number, message)},
+            number > 0 ? number : int(StatusOutOfRange)};
+}
+
+Case operation(const char *name, const QStringList &arguments, const QStringList &lines)
+{
+    return {name, QStringList{QStringLiteral("--operation")} + arguments,
+            lines + QStringList{QStringLiteral("Status 0")}, 0};
+}
+
+QList<Case> failuresToConnect()
+{
+    const QString failed = QStringLiteral("error   Connecting to target failed.");
+    const QString password = QStringLiteral("error   Please enter correct WiFi link password");
+    return {
+        failedWrite("device connect: 4", {"device-connect=4"},
+                    {QStringLiteral("error   WiFi link authentication failed! "), password}, 4,
+                    "WiFi link authentication failed! \\nPlease enter correct WiFi link password"),
+        failedWrite("device connect: 13", {"device-connect=13"},
+                    {QStringLiteral("error   WiFi link-config authentication failed! "), password}, 13,
+                    "WiFi link-config authentication failed! \\nPlease enter correct WiFi link password"),
+        failedWrite("device connect: 14", {"device-connect=14"},
+                    {QStringLiteral("error   WiFi link-debug authentication failed! "), password}, 14,
+                    "WiFi link-debug authentication failed! \\nPlease enter correct WiFi link password"),
+        failedWrite("device connect: 12", {"device-connect=12"},
+                    {QStringLiteral("error   Please update firmware of selected"),
+                     QStringLiteral("error   BRAMLOCK module to the latest version.")},
+                    12, "Please update firmware of selected\\nBRAMLOCK module to the latest version."),
+        failedWrite("device connect: 38", {"device-connect=38"},
+                    {QStringLiteral("error   There is no selected device.")}, 38, "There is no selected device."),
+        failedWrite("device connect: other", {"device-connect=7"},
+                    {QStringLiteral("error   Connecting to device failed.")}, 7, "Connecting to device failed."),
+        failedWrite("interface in use", {"interface-in-use=6"},
+                    {Connect, QStringLiteral("error   Interface to target currently being used."), Disconnected}, 6,
+                    "Interface to target currently being used."),
+        failedWrite("clock", {"clock=9"}, {Connect, QStringLiteral("error   Set swd/jtag clock failed."), Disconnected},
+                    9, "Set swd/jtag clock failed."),
+        failedWrite("target connect: 10", {"target-connect=10"},
+                    {Connect, failed, QStringLiteral("error   Wrong target voltage."),
+                     QStringLiteral("error   Check power settings."), Disconnected},
+                    10, "Connecting to target failed.\\nWrong target voltage.\\nCheck power settings."),
+        failedWrite("target connect: 11", {"target-connect=11"},
+                    {Connect, failed, QStringLiteral("error   Vpp first entry mode not available."),
+                     QStringLiteral("error   Power supplied externally."), Disconnected},
+                    11,
+                    "Connecting to target failed.\\nVpp first entry mode not available.\\nPower supplied externally."),
+        failedWrite("target connect: other", {"target-connect=5"}, {Connect, failed, Disconnected}, 5,
+                    "Connecting to target failed."),
+    };
+}
+
+QList<Case> failuresOfTheOperation()
+{
+    const QString notDisconnected = QStringLiteral("error   Disconnecting from target failed.");
+    return {
+        failedWrite(
+            "erase: 8", {"erase=8"},
+            {Connect, Erase, QStringLiteral("error   Your board doesn't support selected vendor."), Disconnected}, 8,
+            "Your board doesn't support selected vendor."),
+        failedWrite("erase: 51", {"erase=51"},
+                    {Connect, Erase, QStringLiteral("error   Selected chip not recognized."), Disconnected}, 51,
+                    "Selected chip not recognized."),
+        failedWrite("erase: other", {"erase=7"}, {Connect, Erase, OperationFailed, Disconnected}, 7,
+                    "Operation failed."),
+        failedWrite("write, reset all the same", {"write@block=3:5"},
+                    {Connect, Erase, Write, Running, OperationFailed, Disconnected}, 5, "Operation failed."),
+        failedWrite("write and reset", {"write=5", "reset=3"}, {Connect, Erase, Write, OperationFailed, Disconnected},
+                    5, "Operation failed."),
+        failedWrite("verification", {"verify=3"},
+                    {Connect, Erase, Write, Verify, QStringLiteral("error   Verification failed."), Running,
+                     OperationFailed, Disconnected},
+                    3, "Operation failed."),
+        failedWrite("target disconnect", {"target-disconnect=6"},
+                    {Connect, Erase, Write, Verify, QStringLiteral("success Write operation done and verified."),
+                     Running, notDisconnected},
+                    6, "Disconnecting from target failed."),
+        failedWrite("write and target disconnect", {"write=5", "target-disconnect=6"},
+                    {Connect, Erase, Write, Running, OperationFailed, notDisconnected}, 5,
+                    "Disconnecting from target failed."),
+        failedWrite("link lost while writing", {"write@block=2:link-lost"},
+                    {Connect, Erase, Write, OperationFailed, notDisconnected}, 106,
+                    "Disconnecting from target failed."),
+        failedWrite("status that is no exit code", {"erase=-1"}, {Connect, Erase, OperationFailed, Disconnected}, -1,
+                    "Operation failed."),
+    };
+}
+
+QList<Case> operations()
+{
+    const QString option = QStringLiteral("--option");
+    const QString leaveRunning = QStringLiteral("1=1");
+    const QString verified = QStringLiteral("success Write operation done and verified.");
+    const QString blankTitle = QStringLiteral("Looking for data in the target:");
+    const QString blankCheck = QStringLiteral("default Checking if MCU is blank...");
+    const QString verifyTitle = QStringLiteral("Comparing the target with the image:");
+    const QStringList written{WriteTitle, Start,        Connect,
+                              Erase,      Write,        QStringLiteral("success Write operation done."),
+                              Running,    Disconnected, QStringLiteral("Status 0")};
+    const QString next = QStringLiteral("--operation");
+    return {
+        operation("write", {QStringLiteral("write")}, written.mid(0, written.size() - 1)),
+        {"write, verify and compare",
+         {next, QStringLiteral("write"), QStringLiteral("--verify"), QStringLiteral("--compare")},
+         {WriteTitle, Start, Connect, Erase, Write, Verify, verified, Running, Disconnected, QStringLiteral("Status 0"),
+          QStringLiteral("The target holds the image: 1024 bytes at one place compared, all equal.")},
+         0},
+        operation("write, erasing what is needed", {QStringLiteral("write"), option, QStringLiteral("0=2")},
+                  written.mid(0, written.size() - 1)),
+        operation("write, halted afterwards",
+                  {QStringLiteral("write"), QStringLiteral("--connection-option"), QStringLiteral("5=1")},
+                  {WriteTitle, Start, Connect, Erase, Write, QStringLiteral("success Write operation done."),
+                   QStringLiteral("default Chip is halted."), Disconnected}),
+        operation("write with a mismatch",
+                  QStringList{QStringLiteral("write"), QStringLiteral("--verify")} + faults({"verify-mismatch"}),
+                  {WriteTitle, Start, Connect, Erase, Write, Verify, QStringLiteral("error   Verification failed."),
+                   Running, Disconnected}),
+        operation("verify", {QStringLiteral("write"), next, QStringLiteral("verify")},
+                  written
+                      + QStringList{verifyTitle, Start, Connect, Verify, QStringLiteral("success File is verified."),
+                                    Running, Disconnected}),
+        operation("verify with a mismatch, left running", {QStringLiteral("verify"), option, leaveRunning},
+                  {verifyTitle, Start, Connect, Verify, QStringLiteral("error   File not verified."), Disconnected}),
+        operation(
+            "blank", {QStringLiteral("blank")},
+            {blankTitle, Start, Connect, blankCheck, QStringLiteral("success Chip is blank."), Running, Disconnected}),
+        operation("not blank", {QStringLiteral("write"), next, QStringLiteral("blank")},
+                  written
+                      + QStringList{blankTitle, Start, Connect, blankCheck,
+                                    QStringLiteral("error   Chip is not blank."), Running, Disconnected}),
+        operation("not blank, left running",
+                  {QStringLiteral("write"), next, QStringLiteral("blank"), option, leaveRunning},
+                  written
+                      + QStringList{blankTitle, Start, Connect, blankCheck,
+                                    QStringLiteral("error   Chip is not blank at 0x0."), Disconnected}),
+        operation("read", {QStringLiteral("read")},
+                  {QStringLiteral("Reading the target:"), Start, Connect, QStringLiteral("default Reading MCU..."),
+                   QStringLiteral("success Read operation done."), Disconnected}),
+        operation("detect", {QStringLiteral("detect")},
+                  {QStringLiteral("Looking for the target:"), Start, Connect,
+                   QStringLiteral("success Target is detected."), Disconnected}),
+        operation("erase", {QStringLiteral("erase")},
+                  {QStringLiteral("Erasing the target:"), Start, Connect, Erase,
+                   QStringLiteral("success Erase operation done."), Disconnected}),
+        operation("reset", {QStringLiteral("reset")},
+                  {QStringLiteral("Resetting the target:"), Start, Connect,
+                   QStringLiteral("success Reset operation done."), Disconnected}),
+        {"a failure ends the sequence",
+         QStringList{next, QStringLiteral("detect"), next, QStringLiteral("erase")} + faults({"detect=9"}),
+         {QStringLiteral("Looking for the target:"), Start, Connect, OperationFailed, Disconnected,
+          status(9, "Operation failed.")},
+         9},
+    };
+}
+
+QList<Case> allCases()
+{
+    return failuresToConnect() + failuresOfTheOperation() + operations();
+}
+
+QStringList withoutTimes(const QByteArray &output)
+{
+    static const QRegularExpression time(QStringLiteral("^\\[ *\\d+\\.\\d{3}\\] "),
+                                         QRegularExpression::MultilineOption);
+    QString text = QString::fromUtf8(output).remove(time);
+    if (text.endsWith(u'\n'))
+        text.chop(1);
+    return text.split(u'\n');
+}
+
+} // namespace
+
+void tst_ProgrammerExample::initTestCase()
+{
+    QFile image(path("image.bin"));
+    QVERIFY(image.open(QIODevice::WriteOnly));
+    for (int i = 0; i < ImageSize; ++i)
+        image.putChar(char(i * 7));
+    image.close();
+
+    const QString operation = QStringLiteral("--operation");
+    const QString write = QStringLiteral("write");
+    const QString read = QStringLiteral("read");
+    const QString output = QStringLiteral("--output");
+    for (const Case &example : allCases())
+        add(QString::fromLatin1(example.name), example.arguments);
+    add(QStringLiteral("differs"),
+        QStringList{operation, write, QStringLiteral("--compare")} + faults({"write@block=2:corrupt"}));
+    add(QStringLiteral("hangs"),
+        QStringList{operation, QStringLiteral("erase"), QStringLiteral("--timeout"), QStringLiteral("2")}
+            + faults({"erase=hang"}));
+    add(QStringLiteral("stores"), {operation, write, operation, read, output, path("contents.hex")});
+    add(QStringLiteral("stores two pieces as one"), {operation, read, output, path("contents.bin")});
+    add(QStringLiteral("draws"),
+        QStringList{operation, write, QStringLiteral("--pictures"), path("new/pictures")} + faults({"write=1500ms"}));
+    for (int i = 0; i < SideBySide; ++i)
+        startNext();
+}
+
+QString tst_ProgrammerExample::path(const char *name) const
+{
+    return folder.filePath(QString::fromLatin1(name));
+}
+
+std::unique_ptr<QProcess> tst_ProgrammerExample::create(const QStringList &arguments) const
+{
+    auto process = std::make_unique<QProcess>();
+    process->setProgram(QStringLiteral(PROGRAMMER_PATH));
+    process->setArguments(QStringList{QStringLiteral("--headless"), QStringLiteral("--speed"), QStringLiteral("0")}
+                          + arguments);
+    process->setProcessChannelMode(QProcess::MergedChannels); // a warning would spoil the transcript
+    return process;
+}
+
+std::unique_ptr<QProcess> tst_ProgrammerExample::run(const QStringList &arguments) const
+{
+    std::unique_ptr<QProcess> process = create(arguments);
+    process->start();
+    process->waitForFinished(LongWait);
+    return process;
+}
+
+/// Plans a run with the image.
+void tst_ProgrammerExample::add(const QString &name, const QStringList &arguments)
+{
+    QProcess *process = create(QStringList{QStringLiteral("--image"), path("image.bin")} + arguments).release();
+    process->setParent(this);
+    connect(process, &QProcess::finished, this, [this, process] {
+        process->setProperty(FinishedProperty, true);
+        startNext();
+    });
+    runs.insert(name, process);
+    waiting.enqueue(process);
+}
+
+void tst_ProgrammerExample::startNext()
+{
+    if (!waiting.isEmpty())
+        waiting.dequeue()->start();
+}
+
+/// The planned run of that name, once it has ended.
+QProcess *tst_ProgrammerExample::finished(const QString &name) const
+{
+    QProcess *process = runs.value(name);
+    (void)QTest::qWaitFor([=] { return process->property(FinishedProperty).toBool(); }, LongWait);
+    return process;
+}
+
+void tst_ProgrammerExample::theTranscriptIsExact_data()
+{
+    QTest::addColumn<QStringList>("lines");
+    QTest::addColumn<int>("exitCode");
+    for (const Case &example : allCases())
+        QTest::newRow(example.name) << example.lines << example.exitCode;
+}
+
+void tst_ProgrammerExample::theTranscriptIsExact()
+{
+    QFETCH(QStringList, lines);
+    QFETCH(int, exitCode);
+    QProcess *process = finished(QString::fromLatin1(QTest::currentDataTag()));
+    QCOMPARE(withoutTimes(process->readAll()), lines);
+    QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process->exitCode(), exitCode);
+}
+
+void tst_ProgrammerExample::aWrongCommandLineIsRefused_data()
+{
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("problem");
+    const auto row = [](const char *arguments, int exitCode, const char *problem) {
+        QTest::newRow(arguments) << exitCode << QString::fromLatin1(problem);
+    };
+    row("--operation solder", UsageError, "There is no operation \"solder\"");
+    row("--operation write", UsageError, "choose an image");
+    row("--operation detect --compare", UsageError, "choose an image");
+    row("--operation detect --output x.hex", UsageError, "nothing to store");
+    row("--operation detect --option 1", UsageError, "N=V");
+    row("--operation detect --connection-option five=1", UsageError, "N=V");
+    row("--operation detect --speed nan", UsageError, "is no speed");
+    row("--operation detect --base 0x100000000", UsageError, "is no address");
+    row("--operation detect --timeout 0", UsageError, "is no time");
+    row("--operation detect --fault smoke", UsageError, "smoke");
+    row("--operation detect --colour red", UsageError, "colour");
+    row("--operation detect image.hex", UsageError, "image.hex");
+    row("--operation detect --theme pink", UsageError, "There is no theme");
+    row("--headless", UsageError, "say what to do with --operation");
+    row("--operation write --image missing.hex", FileError, "There is no file");
+    row("--operation detect --pictures /dev/null/pictures", FileError, "cannot be made");
+}
+
+void tst_ProgrammerExample::aWrongCommandLineIsRefused()
+{
+    QFETCH(int, exitCode);
+    QFETCH(QString, problem);
+    const std::unique_ptr<QProcess> process = run(QString::fromLatin1(QTest::currentDataTag()).split(u' '));
+    const QString output = QString::fromUtf8(process->readAll());
+    QVERIFY2(output.contains(problem), qPrintable(output));
+    QCOMPARE(process->exitCode(), exitCode);
+}
+
+void tst_ProgrammerExample::aTargetThatDiffersIsFound()
+{
+    QProcess *process = finished(QStringLiteral("differs"));
+    const QString lastLine = withoutTimes(process->readAll()).constLast();
+    QVERIFY2(lastLine.startsWith(QStringLiteral("The target differs from the image at 0x000001")),
+             qPrintable(lastLine));
+    QCOMPARE(process->exitCode(), TargetDiffers);
+}
+
+void tst_ProgrammerExample::aHangEndsWithTheTimeout()
+{
+    QProcess *process = finished(QStringLiteral("hangs"));
+    QCOMPARE(withoutTimes(process->readAll()).constLast(), QStringLiteral("No answer in time."));
+    QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process->exitCode(), NoAnswer);
+}
+
+void tst_ProgrammerExample::whatWasReadIsStored()
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("srec_cat")).isEmpty())
+        QSKIP("srecord is not installed");
+    QCOMPARE(finished(QStringLiteral("stores"))->exitCode(), 0);
+    MemoryManager contents;
+    QString error;
+    QVERIFY2(FirmwareFile::load(path("contents.hex"), 0, &contents, &error), qPrintable(error));
+    QCOMPARE(contents.size(), TargetSize);
+    QFile image(path("image.bin"));
+    QVERIFY(image.open(QIODevice::ReadOnly));
+    QCOMPARE(contents.read(0, ImageSize), image.readAll());
+    QCOMPARE(contents.read(ImageSize, ImageSize), QByteArray(ImageSize, MemoryManager::ErasedByte));
+
+    QCOMPARE(finished(QStringLiteral("stores two pieces as one"))->exitCode(), FileError);
+}
+
+void tst_ProgrammerExample::picturesAreLeft()
+{
+    QCOMPARE(finished(QStringLiteral("draws"))->exitCode(), 0);
+    for (const char *const name : {"window", "write-running", "write-draining", "write-result"}) {
+        const QImage picture(QDir(path("new/pictures")).filePath(QString::fromLatin1(name) + QStringLiteral(".png")));
+        QVERIFY2(!picture.isNull(), name);
+    }
+}
+
+void tst_ProgrammerExample::theHelpNamesEveryOperation()
+{
+    const std::unique_ptr<QProcess> process = run({QStringLiteral("--help")});
+    const QString help = QString::fromUtf8(process->readAll());
+    QCOMPARE(process->exitCode(), 0);
+    for (const char *const name : {"write", "read", "verify", "blank", "detect", "erase", "reset", "device-connect"})
+        QVERIFY2(help.contains(QLatin1String(name)), name);
+}
+
+UNIPROG_TEST_MAIN(tst_ProgrammerExample)
+
+#include "tst_programmerexample.moc"
