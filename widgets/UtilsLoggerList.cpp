@@ -1,8 +1,5 @@
 #include "UtilsLoggerList_p.h"
 
-#include <QAbstractItemDelegate>
-#include <QStyleOptionViewItem>
-
 #include <utility>
 
 UtilsLoggerList::UtilsLoggerList(QWidget *parent)
@@ -42,8 +39,6 @@ void UtilsLoggerList::scrollContentsBy(int dx, int dy)
 void UtilsLoggerList::placeWidgetsInSight()
 {
     const QList<QPointer<QWidget>> before = std::exchange(widgetsInSight, {});
-    QStyleOptionViewItem option;
-    initViewItemOption(&option);
     const int x = viewport()->width() / 2; // rows are as wide as the viewport
     int y = 0;
     while (y < viewport()->height()) {
@@ -52,13 +47,13 @@ void UtilsLoggerList::placeWidgetsInSight()
             ++y;
             continue;
         }
-        option.rect = visualRect(index);
+        const QRect row = visualRect(index);
         if (QWidget *widget = indexWidget(index)) {
-            itemDelegateForIndex(index)->updateEditorGeometry(widget, option, index);
+            widget->setGeometry(row); // all of it, whatever padding a style sheet gives to items
             widget->show();
             widgetsInSight.append(widget);
         }
-        y = option.rect.y() + gridSize().height();
+        y = row.y() + gridSize().height();
     }
     for (QWidget *widget : before) {
         if (widget && !widgetsInSight.contains(widget))
