@@ -62,6 +62,7 @@ void UtilsLogger::setupForm()
 
     listWidget = new UtilsLoggerList(this);
     listWidget->setObjectName(QStringLiteral("listWidget"));
+    listWidget->setAccessibleName(tr("Messages"));
     listWidget->setEnabled(true);
     listWidget->setFocusPolicy(Qt::StrongFocus);
     listWidget->setContextMenuPolicy(Qt::CustomContextMenu);

@@ -83,6 +83,8 @@ void UtilsLoggerLine::appendText(QString text)
 {
     const QString oldText = label->text();
     const QString newText = oldText + text.section(QLatin1Char('\n'), 0, 0);
+    if (item)
+        item->setData(Qt::AccessibleTextRole, newText); // the row has no text of its own to read out
     if (animationDuration == 0) {
         label->setText(newText);
         return;

@@ -51,13 +51,15 @@ void UtilsSequentialAnimation::SlotAnimationFinished()
     startFirst();
 }
 
-// An animation says finished() only when it reaches its end. One that is stopped before, as it is when its target dies,
-// says no more than this. What follows waits for the event loop: when this comes before finished(), that goes first,
-// and who deletes the targets and then empties the queue hears nothing of the entries that died on the way.
+// An animation says finished() only when it reaches its end. One that stops before, because it or its target dies, says
+// no more than this. What follows waits for the event loop: when this comes before finished(), that goes first, and who
+// deletes the targets and then empties the queue hears nothing of the entries that died on the way.
 void UtilsSequentialAnimation::entryStateChanged(QAbstractAnimation::State newState)
 {
-    if (newState == QAbstractAnimation::Stopped)
-        scheduleAdvance();
+    if (newState != QAbstractAnimation::Stopped || advanceIsScheduled)
+        return;
+    advanceIsScheduled = true;
+    QMetaObject::invokeMethod(this, &UtilsSequentialAnimation::advance, Qt::QueuedConnection);
 }
 
 void UtilsSequentialAnimation::entryDestroyed()
@@ -65,18 +67,9 @@ void UtilsSequentialAnimation::entryDestroyed()
     for (qsizetype index = 0; index < queue.size(); ++index) {
         if (!queue.at(index)) {
             dropEntry(index);
-            scheduleAdvance();
             return;
         }
     }
-}
-
-void UtilsSequentialAnimation::scheduleAdvance()
-{
-    if (advanceIsScheduled)
-        return;
-    advanceIsScheduled = true;
-    QMetaObject::invokeMethod(this, &UtilsSequentialAnimation::advance, Qt::QueuedConnection);
 }
 
 void UtilsSequentialAnimation::advance()

@@ -307,8 +307,12 @@ void tst_UtilsLogger::everyRowHasItsLineWidget()
     addLines(logger, 3);
     QListWidget *list = listOf(logger);
     const QList<UtilsLoggerLine *> lines = logger.getChildrenWidgets();
-    for (int row = 0; row < 3; ++row)
+    lines.constLast()->appendText("!");
+    for (int row = 0; row < 3; ++row) {
         QCOMPARE(list->itemWidget(list->item(row)), lines.at(row));
+        QCOMPARE(list->item(row)->data(Qt::AccessibleTextRole).toString(), lines.at(row)->getText());
+        QVERIFY(list->item(row)->text().isEmpty());
+    }
 }
 
 void tst_UtilsLogger::theOldestLineLeavesAtTheLimit()

@@ -198,7 +198,7 @@ void tst_UtilsSequentialAnimation::anAnimationOfDurationZeroEndsInsideTheCall()
 
 void tst_UtilsSequentialAnimation::manyAnimationsOfDurationZeroDoNotOverflowTheStack()
 {
-    constexpr int Count = 10'000;
+    constexpr int Count = 50'000; // deep enough for any stack, were they to start one another
     Target target;
     UtilsSequentialAnimation queue;
     QSignalSpy starts(&queue, &UtilsSequentialAnimation::SignalNewAnimationStarts);
