@@ -7,7 +7,7 @@ constexpr qsizetype GroupHeaderSize = 2; // identifier and item count
 constexpr int ItemBase = 16;
 constexpr QChar Separator = u'-';
 
-bool isBinaryIdentifier(int identifier)
+bool isBinaryIdentifier(qint8 identifier)
 {
     return identifier >= HwTokenGroup1 && identifier <= HwTokenGroup4;
 }
@@ -28,10 +28,10 @@ UtilsToken::UtilsToken(QByteArray data)
     const qsizetype size = data.size();
     qsizetype position = HeaderSize;
     while (position + 1 < size) {
-        const int identifier = signedAt(data, position);
+        const qint8 identifier = signedAt(data, position);
         if (!isBinaryIdentifier(identifier))
             return;
-        const int count = signedAt(data, position + 1);
+        const qint8 count = signedAt(data, position + 1);
         // Measured against the whole array, not against what remains of it: such a count makes the token invalid.
         if (count > size) {
             m_groups.clear();
