@@ -1,3 +1,5 @@
+#include <UtilsLogger.h>
+#include <UtilsLoggerLine.h>
 #include <UtilsOption.h>
 #include <UtilsOptionList.h>
 #include <UtilsStyleSheet.h>
@@ -52,6 +54,8 @@ private Q_SLOTS:
     void focusIsSeenOnEverySurface();
     void kindsOfLogLinesDiffer_data();
     void kindsOfLogLinesDiffer();
+    void logLinesHaveRoomForTheirText_data();
+    void logLinesHaveRoomForTheirText();
     void rolesReachTheScreen_data();
     void rolesReachTheScreen();
     void themesAreSwitchedAtRunTime();
@@ -338,6 +342,23 @@ void tst_Themes::kindsOfLogLinesDiffer()
         colours.insert(label.palette().color(QPalette::WindowText).rgb());
     }
     QCOMPARE(colours.size(), 5);
+}
+
+void tst_Themes::logLinesHaveRoomForTheirText_data()
+{
+    themeRows();
+}
+
+void tst_Themes::logLinesHaveRoomForTheirText()
+{
+    QFETCH(QString, theme);
+    qApp->setStyleSheet(fill(theme));
+    UtilsLogger logger(nullptr, 0);
+    UtilsLoggerLine *line = logger.addLine("Verify failed: yjpgq", LOGGER_MESSAGE_ERROR);
+    logger.show();
+    const auto *label = line->findChild<QLabel *>();
+    QVERIFY(label);
+    QTRY_VERIFY(label->height() >= label->fontMetrics().height() - 1); // the lowest pixel row is leading
 }
 
 static QColor colourInside(QWidget *widget)
