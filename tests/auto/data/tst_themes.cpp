@@ -423,6 +423,15 @@ void tst_Themes::rolesReachTheScreen()
     section.setEnabled(false);
     QCOMPARE(section.grab().toImage().pixelColor(1, 29), colour("@chrome-accent@"));
 
+    QToolButton mirroredSection(&window);
+    mirroredSection.setLayoutDirection(Qt::RightToLeft);
+    mirroredSection.setProperty("sidebarItem-elementType", "main-button");
+    mirroredSection.setCheckable(true);
+    mirroredSection.setChecked(true);
+    mirroredSection.resize(60, 58);
+    QCOMPARE(mirroredSection.grab().toImage().pixelColor(1, 29), colour("@chrome-hover@"));
+    QCOMPARE(mirroredSection.grab().toImage().pixelColor(58, 29), colour("@chrome-accent@"));
+
     QProgressBar bar(&window);
     bar.setProperty("progressbar-type", "regular");
     bar.setTextVisible(false);
