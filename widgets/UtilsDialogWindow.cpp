@@ -69,6 +69,8 @@ void UtilsDialogWindow::createTitlebar()
     m_titlebar = new UtilsDialogTitlebar(this);
     m_mainLayout->insertWidget(0, m_titlebar);
     connect(m_titlebar->getMaximizeButton(), &QToolButton::clicked, this, &UtilsDialogWindow::slotMaximize);
+    // Assistive technology toggles the button without a click.
+    connect(m_titlebar->getMaximizeButton(), &QToolButton::toggled, this, &UtilsDialogWindow::slotMaximize);
 }
 
 void UtilsDialogWindow::centerOn(const QWidget *parent)
