@@ -124,8 +124,8 @@ void addLines(benchmark::State &state, Pane (*makePane)(), Turns turns)
         runEventLoop();
         state.ResumeTiming();
     }
-    state.counters["us_per_line"] = benchmark::Counter(double(count) * double(state.iterations()) / 1e6,
-                                                       benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    state.counters["per_line"] = benchmark::Counter(
+        double(count), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
     state.counters["longest_turn_ms"] = double(longest) / 1e6;
 }
 
