@@ -1,0 +1,948 @@
+#include <WaitingSpinnerWidget.h>
+
+#include <AccessibleEvents.h>
+#include <UniProgTest.h>
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QPointer>
+#include <QTimer>
+
+#include <climits>
+#include <cmath>
+#include <limits>
+
+class tst_WaitingSpinnerWidget : public UniProgTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theDefaultsAreAsStated();
+    void theDefaultsComeBack();
+    void aWindowOfItsOwnIsFramelessAndTranslucent_data();
+    void aWindowOfItsOwnIsFramelessAndTranslucent();
+    void roundnessIsClamped_data();
+    void roundnessIsClamped();
+    void propertiesAreStored();
+    void aStyleSheetMaySetTheColour();
+    void theSizeFollowsTheLines_data();
+    void theSizeFollowsTheLines();
+    void theIntervalIsThatOfAStep_data();
+    void theIntervalIsThatOfAStep();
+
+    void distancesAreCountedBackwards_data();
+    void distancesAreCountedBackwards();
+    void theTrailFades_data();
+    void theTrailFades();
+    void coloursOfUnusualTrails_data();
+    void coloursOfUnusualTrails();
+
+    void theSpinnerIsHiddenUntilStarted();
+    void startAndStopCallTheParent_data();
+    void startAndStopCallTheParent();
+    void aSpinnerWithoutParentTurns();
+    void startingTwiceGoesOn();
+    void stoppingTwiceIsHarmless();
+    void itMayBeDeletedWhileSpinning();
+    void nothingTurnsWhereNobodySees();
+    void aWindowThatComesBackGoesOn();
+    void theSpinnerStaysInTheMiddle_data();
+    void theSpinnerStaysInTheMiddle();
+    void aWindowIsCentredInTheParentsCoordinates();
+
+    void theOpaqueLineGoesRound();
+    void theTimerTurnsTheRing();
+    void aNewNumberOfLinesStartsAnew();
+    void stoppingStartsAnew();
+    void theRingIsDrawnAsStated();
+    void noLinesAreNoDivision_data();
+    void noLinesAreNoDivision();
+    void theBackgroundIsLeftAlone();
+
+    void theCountdownIsDrawnUntilZero();
+    void theCountdownEndsByItself();
+    void theCountdownRunsWithoutTheSpinner();
+    void theCountdownStartsWithTheSpinner();
+    void aCountdownOfZeroIsNone_data();
+    void aCountdownOfZeroIsNone();
+    void theCountdownMayBeUpdatedFirst();
+    void everyCountdownHasATimerOfItsOwn();
+    void anEarlierTimerStopsItself();
+    void timersGoWithTheSpinner();
+
+    void itIsHeardAsABusyProgressBar();
+    void startingAndStoppingAreHeardOnce();
+    void theTextIsItsName();
+    void theCountdownIsItsValue();
+    void everySecondIsHeard();
+};
+
+static constexpr int Lines = 11;
+static constexpr int Radius = 10;
+static constexpr int Length = 10;
+
+namespace {
+
+QTimer *rotationTimerOf(const WaitingSpinnerWidget &spinner)
+{
+    return spinner.findChild<QTimer *>();
+}
+
+QList<QTimer *> countdownTimersOf(const WaitingSpinnerWidget &spinner)
+{
+    return spinner.findChildren<QTimer *>().mid(1);
+}
+
+void tick(QTimer *timer)
+{
+    QTimerEvent event(timer->timerId());
+    QCoreApplication::sendEvent(timer, &event);
+}
+
+QImage imageOf(WaitingSpinnerWidget &spinner)
+{
+    QImage image(spinner.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    spinner.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+    return image.convertToFormat(QImage::Format_ARGB32);
+}
+
+QColor colourOfLine(const QImage &image, int line, int lines = Lines)
+{
+    const double angle = 2 * M_PI * line / lines;
+    const double distance = Radius + Length / 2.0;
+    const double middle = Radius + Length;
+    return image.pixelColor(int(middle + distance * std::cos(angle)), int(middle + distance * std::sin(angle)));
+}
+
+int leadingLine(WaitingSpinnerWidget &spinner, int lines = Lines)
+{
+    const QImage image = imageOf(spinner);
+    QList<int> opaque;
+    for (int line = 0; line < lines; ++line) {
+        if (colourOfLine(image, line, lines).alpha() == 255)
+            opaque.append(line);
+    }
+    return opaque.size() == 1 ? opaque.first() : -1;
+}
+
+// The lines begin at the inner radius.
+bool isNumberDrawn(WaitingSpinnerWidget &spinner)
+{
+    const QImage image = imageOf(spinner);
+    for (int y = 14; y < 26; ++y) {
+        for (int x = 14; x < 26; ++x) {
+            if (image.pixelColor(x, y).alpha() > 0)
+                return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+void tst_WaitingSpinnerWidget::theDefaultsAreAsStated()
+{
+    QWidget parent;
+    const WaitingSpinnerWidget spinner(&parent, true, true);
+    QCOMPARE(spinner.parentWidget(), &parent);
+    QVERIFY(!spinner.isWindow());
+    QCOMPARE(spinner.color(), QColor(194, 194, 183, 255));
+    QCOMPARE(spinner.roundness(), 70.0);
+    QCOMPARE(spinner.minimumTrailOpacity(), 15.0);
+    QCOMPARE(spinner.trailFadePercentage(), 70.0);
+    QCOMPARE(spinner.revolutionsPerSecond(), 1.0);
+    QCOMPARE(spinner.lineLength(), 10);
+    QCOMPARE(spinner.lineWidth(), 4);
+    QCOMPARE(spinner.innerRadius(), 10);
+    QCOMPARE(spinner.size(), QSize(40, 40));
+    QCOMPARE(spinner.minimumSize(), QSize(40, 40));
+    QCOMPARE(spinner.maximumSize(), QSize(40, 40));
+    QVERIFY(!spinner.isSpinning());
+    QVERIFY(parent.isEnabled());
+    QCOMPARE(spinner.findChildren<QTimer *>().size(), 1);
+    QCOMPARE(rotationTimerOf(spinner)->interval(), 90);
+    QVERIFY(!rotationTimerOf(spinner)->isActive());
+}
+
+void tst_WaitingSpinnerWidget::theDefaultsComeBack()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    const QImage fresh = imageOf(spinner);
+    spinner.setColor(Qt::red);
+    spinner.setRoundness(1);
+    spinner.setMinimumTrailOpacity(2);
+    spinner.setTrailFadePercentage(3);
+    spinner.setRevolutionsPerSecond(4);
+    spinner.setNumberOfLines(5);
+    spinner.setLineLength(6);
+    spinner.setLineWidth(7);
+    spinner.setInnerRadius(8);
+    spinner.setCountdown(9);
+    spinner.rotate();
+    spinner.setSpinnerDefaultProperties();
+    QCOMPARE(spinner.color(), QColor(194, 194, 183));
+    QCOMPARE(spinner.roundness(), 70.0);
+    QCOMPARE(spinner.minimumTrailOpacity(), 15.0);
+    QCOMPARE(spinner.trailFadePercentage(), 70.0);
+    QCOMPARE(spinner.revolutionsPerSecond(), 1.0);
+    QCOMPARE(spinner.lineLength(), 10);
+    QCOMPARE(spinner.lineWidth(), 4);
+    QCOMPARE(spinner.innerRadius(), 10);
+    QCOMPARE(spinner.size(), QSize(40, 40));
+    QCOMPARE(rotationTimerOf(spinner)->interval(), 90);
+    QCOMPARE(imageOf(spinner), fresh);
+}
+
+void tst_WaitingSpinnerWidget::aWindowOfItsOwnIsFramelessAndTranslucent_data()
+{
+    QTest::addColumn<Qt::WindowModality>("modality");
+    QTest::newRow("not modal") << Qt::NonModal;
+    QTest::newRow("window") << Qt::WindowModal;
+    QTest::newRow("application") << Qt::ApplicationModal;
+}
+
+void tst_WaitingSpinnerWidget::aWindowOfItsOwnIsFramelessAndTranslucent()
+{
+    QFETCH(Qt::WindowModality, modality);
+    QWidget parent;
+    WaitingSpinnerWidget spinner(modality, &parent, false, true);
+    QCOMPARE(spinner.parentWidget(), &parent);
+    QVERIFY(spinner.isWindow());
+    QCOMPARE(spinner.windowType(), Qt::Dialog);
+    QVERIFY(spinner.windowFlags() & Qt::FramelessWindowHint);
+    QCOMPARE(spinner.windowModality(), modality);
+    QVERIFY(spinner.testAttribute(Qt::WA_TranslucentBackground));
+    QCOMPARE(spinner.size(), QSize(40, 40));
+    QCOMPARE(rotationTimerOf(spinner)->interval(), 90);
+    parent.show();
+    QVERIFY(!spinner.isVisible());
+    spinner.start();
+    QVERIFY(spinner.isVisible());
+    QVERIFY(!parent.isEnabled());
+    spinner.stop();
+    QVERIFY(parent.isEnabled());
+}
+
+void tst_WaitingSpinnerWidget::roundnessIsClamped_data()
+{
+    QTest::addColumn<double>("set");
+    QTest::addColumn<double>("stored");
+    QTest::newRow("above") << 150.0 << 100.0;
+    QTest::newRow("below") << -5.0 << 0.0;
+    QTest::newRow("most") << 100.0 << 100.0;
+    QTest::newRow("least") << 0.0 << 0.0;
+    QTest::newRow("between") << 33.3 << 33.3;
+}
+
+void tst_WaitingSpinnerWidget::roundnessIsClamped()
+{
+    QFETCH(double, set);
+    QFETCH(double, stored);
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.setRoundness(set);
+    QCOMPARE(spinner.roundness(), stored);
+}
+
+void tst_WaitingSpinnerWidget::propertiesAreStored()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.setColor(QColor(1, 2, 3, 4));
+    spinner.setMinimumTrailOpacity(22.5);
+    spinner.setTrailFadePercentage(33.5);
+    spinner.setRevolutionsPerSecond(0.25);
+    QCOMPARE(spinner.color(), QColor(1, 2, 3, 4));
+    QCOMPARE(spinner.minimumTrailOpacity(), 22.5);
+    QCOMPARE(spinner.trailFadePercentage(), 33.5);
+    QCOMPARE(spinner.revolutionsPerSecond(), 0.25);
+}
+
+void tst_WaitingSpinnerWidget::aStyleSheetMaySetTheColour()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.setStyleSheet(QStringLiteral("WaitingSpinnerWidget { qproperty-color: #010203; }"));
+    spinner.start();
+    QCOMPARE(spinner.color(), QColor(1, 2, 3));
+}
+
+void tst_WaitingSpinnerWidget::theSizeFollowsTheLines_data()
+{
+    QTest::addColumn<int>("length");
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("radius");
+    QTest::addColumn<int>("side");
+    QTest::newRow("as usual") << 10 << 4 << 10 << 40;
+    QTest::newRow("long lines") << 25 << 4 << 10 << 70;
+    QTest::newRow("wide lines") << 10 << 30 << 10 << 40;
+    QTest::newRow("a wide ring") << 10 << 4 << 31 << 82;
+    QTest::newRow("a star") << 7 << 2 << 0 << 14;
+    QTest::newRow("nothing") << 0 << 0 << 0 << 0;
+    QTest::newRow("below nothing") << -20 << -3 << 5 << 0;
+}
+
+void tst_WaitingSpinnerWidget::theSizeFollowsTheLines()
+{
+    QFETCH(int, length);
+    QFETCH(int, width);
+    QFETCH(int, radius);
+    QFETCH(int, side);
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.setLineLength(length);
+    QCOMPARE(spinner.width(), qMax(0, 2 * (10 + length)));
+    spinner.setInnerRadius(radius);
+    spinner.setMinimumSize(0, 0);
+    spinner.setMaximumSize(500, 500);
+    spinner.setLineWidth(width); // each of the three fixes the size
+    QCOMPARE(spinner.minimumSize(), QSize(side, side));
+    QCOMPARE(spinner.maximumSize(), QSize(side, side));
+    QCOMPARE(spinner.lineLength(), length);
+    QCOMPARE(spinner.lineWidth(), width);
+    QCOMPARE(spinner.innerRadius(), radius);
+    if (side > 0)
+        imageOf(spinner);
+}
+
+void tst_WaitingSpinnerWidget::theIntervalIsThatOfAStep_data()
+{
+    QTest::addColumn<int>("lines");
+    QTest::addColumn<double>("revolutions");
+    QTest::addColumn<int>("interval");
+    QTest::newRow("default") << 11 << 1.0 << 90;
+    QTest::newRow("twice as fast") << 11 << 2.0 << 45;
+    QTest::newRow("truncated") << 7 << 1.5 << 95;
+    QTest::newRow("slow") << 4 << 0.1 << 2500;
+    QTest::newRow("one line") << 1 << 1.0 << 1000;
+    QTest::newRow("no lines") << 0 << 1.0 << INT_MAX;
+    QTest::newRow("fewer than none") << -3 << 1.0 << INT_MAX;
+    QTest::newRow("no revolutions") << 11 << 0.0 << INT_MAX;
+    QTest::newRow("neither") << 0 << 0.0 << INT_MAX;
+    QTest::newRow("backwards") << 11 << -1.0 << INT_MAX;
+    QTest::newRow("once in an age") << 11 << 1e-12 << INT_MAX;
+    QTest::newRow("faster than the clock") << 11 << 1e6 << 1;
+    QTest::newRow("infinitely fast") << 11 << std::numeric_limits<double>::infinity() << 1;
+}
+
+void tst_WaitingSpinnerWidget::theIntervalIsThatOfAStep()
+{
+    QFETCH(int, lines);
+    QFETCH(double, revolutions);
+    QFETCH(int, interval);
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.setNumberOfLines(lines);
+    spinner.setRevolutionsPerSecond(revolutions);
+    QCOMPARE(rotationTimerOf(spinner)->interval(), interval);
+    QCOMPARE(spinner.revolutionsPerSecond(), revolutions);
+
+    WaitingSpinnerWidget other(nullptr, false, false);
+    other.setRevolutionsPerSecond(revolutions);
+    other.setNumberOfLines(lines);
+    QCOMPARE(rotationTimerOf(other)->interval(), interval);
+}
+
+void tst_WaitingSpinnerWidget::distancesAreCountedBackwards_data()
+{
+    QTest::addColumn<int>("current");
+    QTest::addColumn<int>("primary");
+    QTest::addColumn<int>("distance");
+    QTest::newRow("the leading one") << 4 << 4 << 0;
+    QTest::newRow("behind") << 1 << 4 << 3;
+    QTest::newRow("behind, over the seam") << 10 << 4 << 5;
+    QTest::newRow("just ahead") << 5 << 4 << 10;
+}
+
+void tst_WaitingSpinnerWidget::distancesAreCountedBackwards()
+{
+    QFETCH(int, current);
+    QFETCH(int, primary);
+    QFETCH(int, distance);
+    QCOMPARE(WaitingSpinnerWidget::lineCountDistanceFromPrimary(current, primary, 11), distance);
+}
+
+void tst_WaitingSpinnerWidget::theTrailFades_data()
+{
+    QTest::addColumn<int>("distance");
+    QTest::addColumn<double>("alpha");
+    // The threshold is 7: the trail falls by eighths of what is above the minimum.
+    for (int distance = 0; distance <= 7; ++distance)
+        QTest::addRow("%d, fading", distance) << distance << 1.0 - distance * 0.85 / 8;
+    for (int distance = 8; distance <= 10; ++distance)
+        QTest::addRow("%d, beyond", distance) << distance << 0.15;
+}
+
+void tst_WaitingSpinnerWidget::theTrailFades()
+{
+    QFETCH(int, distance);
+    QFETCH(double, alpha);
+    const QColor colour = WaitingSpinnerWidget::currentLineColor(distance, 11, 70.0, 15.0, QColor(194, 194, 183));
+    QVERIFY2(qAbs(double(colour.alphaF()) - alpha) < 0.0001, qPrintable(QString::number(double(colour.alphaF()))));
+    QCOMPARE(QColor(colour.rgb()), QColor(194, 194, 183));
+}
+
+void tst_WaitingSpinnerWidget::coloursOfUnusualTrails_data()
+{
+    QTest::addColumn<int>("distance");
+    QTest::addColumn<int>("lines");
+    QTest::addColumn<double>("fade");
+    QTest::addColumn<double>("minimum");
+    QTest::addColumn<double>("ownAlpha");
+    QTest::addColumn<double>("alpha");
+    // 25 x 28 / 100 is 7, but 25 x (28 / 100) is a little more.
+    QTest::newRow("multiplied before divided") << 8 << 26 << 28.0 << 15.0 << 1.0 << 0.15;
+    QTest::newRow("rounded up") << 1 << 11 << 1.0 << 0.0 << 1.0 << 0.5;
+    QTest::newRow("no trail") << 1 << 11 << 0.0 << 20.0 << 1.0 << 0.2;
+    QTest::newRow("the whole ring") << 10 << 11 << 100.0 << 0.0 << 1.0 << 1.0 / 11;
+    QTest::newRow("longer than the ring") << 10 << 11 << 190.0 << 0.0 << 1.0 << 0.5;
+    QTest::newRow("a see-through colour") << 4 << 11 << 70.0 << 0.0 << 0.5 << 0.25;
+    QTest::newRow("a colour below the minimum") << 4 << 11 << 70.0 << 50.0 << 0.0 << 0.25;
+    QTest::newRow("the leading one keeps its alpha") << 0 << 11 << 70.0 << 50.0 << 0.25 << 0.25;
+    QTest::newRow("minimum above 1") << 9 << 11 << 70.0 << 250.0 << 1.0 << 1.0;
+    QTest::newRow("minimum below 0") << 9 << 11 << 70.0 << -50.0 << 1.0 << 0.0;
+    QTest::newRow("trail below 0") << 1 << 11 << -70.0 << 15.0 << 1.0 << 0.15;
+    QTest::newRow("a single line") << 0 << 1 << 70.0 << 15.0 << 1.0 << 1.0;
+}
+
+void tst_WaitingSpinnerWidget::coloursOfUnusualTrails()
+{
+    QFETCH(int, distance);
+    QFETCH(int, lines);
+    QFETCH(double, fade);
+    QFETCH(double, minimum);
+    QFETCH(double, ownAlpha);
+    QFETCH(double, alpha);
+    QColor colour(10, 20, 30);
+    colour.setAlphaF(float(ownAlpha));
+    colour = WaitingSpinnerWidget::currentLineColor(distance, lines, fade, minimum, colour);
+    QVERIFY2(qAbs(double(colour.alphaF()) - alpha) < 0.0001, qPrintable(QString::number(double(colour.alphaF()))));
+}
+
+void tst_WaitingSpinnerWidget::theSpinnerIsHiddenUntilStarted()
+{
+    QWidget parent;
+    WaitingSpinnerWidget spinner(&parent, true, false);
+    parent.show();
+    QVERIFY(!spinner.isVisible());
+    spinner.start();
+    QVERIFY(spinner.isVisible());
+    QVERIFY(spinner.isSpinning());
+    QVERIFY(rotationTimerOf(spinner)->isActive());
+    spinner.stop();
+    QVERIFY(!spinner.isVisible());
+    QVERIFY(!spinner.isSpinning());
+    QVERIFY(!rotationTimerOf(spinner)->isActive());
+    parent.hide();
+    parent.show();
+    QVERIFY(!spinner.isVisible());
+    QVERIFY(!rotationTimerOf(spinner)->isActive());
+}
+
+void tst_WaitingSpinnerWidget::startAndStopCallTheParent_data()
+{
+    QTest::addColumn<bool>("disables");
+    QTest::addColumn<bool>("enabledBefore");
+    QTest::addColumn<bool>("enabledAfter");
+    QTest::newRow("disables") << true << true << true;
+    QTest::newRow("disables one that is disabled") << true << false << true;
+    QTest::newRow("leaves alone") << false << true << true;
+    QTest::newRow("leaves one alone that is disabled") << false << false << false;
+}
+
+void tst_WaitingSpinnerWidget::startAndStopCallTheParent()
+{
+    QFETCH(bool, disables);
+    QFETCH(bool, enabledBefore);
+    QFETCH(bool, enabledAfter);
+    QWidget parent;
+    parent.setEnabled(enabledBefore);
+    WaitingSpinnerWidget spinner(&parent, false, disables);
+    parent.show();
+    spinner.start();
+    QCOMPARE(parent.isEnabled(), enabledBefore && !disables);
+    QVERIFY(spinner.isSpinning());
+    spinner.stop();
+    QCOMPARE(parent.isEnabled(), enabledAfter);
+}
+
+void tst_WaitingSpinnerWidget::aSpinnerWithoutParentTurns()
+{
+    WaitingSpinnerWidget spinner(nullptr, true, true);
+    spinner.move(123, 45);
+    spinner.start();
+    QCOMPARE(spinner.pos(), QPoint(123, 45));
+    QVERIFY(spinner.isVisible());
+    QVERIFY(rotationTimerOf(spinner)->isActive());
+    spinner.stop();
+    QVERIFY(!spinner.isVisible());
+}
+
+void tst_WaitingSpinnerWidget::startingTwiceGoesOn()
+{
+    QWidget parent;
+    WaitingSpinnerWidget spinner(&parent, false, false);
+    spinner.setRevolutionsPerSecond(0.0001);
+    parent.show();
+    spinner.start();
+    spinner.rotate();
+    spinner.rotate();
+    spinner.setCountdown(5);
+    spinner.start();
+    QCOMPARE(leadingLine(spinner), 2);
+    QVERIFY(!countdownTimersOf(spinner).first()->isActive());
+    spinner.setSpinnerDefaultProperties();
+    spinner.stop();
+    spinner.setCountdown(5);
+    spinner.start();
+    QVERIFY(countdownTimersOf(spinner).last()->isActive());
+}
+
+void tst_WaitingSpinnerWidget::stoppingTwiceIsHarmless()
+{
+    QWidget parent;
+    WaitingSpinnerWidget spinner(&parent, true, true);
+    spinner.stop();
+    QVERIFY(!spinner.isSpinning());
+    parent.show();
+    spinner.start();
+    spinner.stop();
+    spinner.stop();
+    QVERIFY(!spinner.isSpinning());
+    QVERIFY(spinner.isHidden());
+    QVERIFY(parent.isEnabled());
+}
+
+void tst_WaitingSpinnerWidget::itMayBeDeletedWhileSpinning()
+{
+    auto parent = std::make_unique<QWidget>();
+    auto *spinner = new WaitingSpinnerWidget(parent.get(), true, true);
+    auto *window = new WaitingSpinnerWidget(Qt::WindowModal, parent.get(), true, true);
+    parent->show();
+    spinner->start();
+    window->start();
+    delete window;
+    parent.reset();
+    QCoreApplication::processEvents();
+}
+
+void tst_WaitingSpinnerWidget::nothingTurnsWhereNobodySees()
+{
+    QWidget page;
+    WaitingSpinnerWidget spinner(&page, false, false);
+    const QTimer *timer = rotationTimerOf(spinner);
+    spinner.setCountdown(3);
+    spinner.start(); // on a page that is not shown yet
+    QVERIFY(spinner.isSpinning());
+    QVERIFY(!timer->isActive());
+    QVERIFY(countdownTimersOf(spinner).first()->isActive());
+    page.show();
+    QVERIFY(timer->isActive());
+    page.hide();
+    QVERIFY(spinner.isSpinning());
+    QVERIFY(!timer->isActive());
+    page.show();
+    QVERIFY(timer->isActive());
+    spinner.hide();
+    QVERIFY(spinner.isSpinning());
+    QVERIFY(!timer->isActive());
+    spinner.start();
+    QVERIFY(spinner.isVisible());
+    QVERIFY(timer->isActive());
+    spinner.stop();
+    spinner.show(); // shown without being started: it stands
+    QVERIFY(!timer->isActive());
+    spinner.start();
+    QVERIFY(timer->isActive());
+}
+
+void tst_WaitingSpinnerWidget::aWindowThatComesBackGoesOn()
+{
+    QWidget page;
+    WaitingSpinnerWidget spinner(&page, false, false);
+    page.show();
+    spinner.start();
+    spinner.rotate();
+    page.hide();
+    page.show();
+    QCOMPARE(leadingLine(spinner), 1);
+}
+
+void tst_WaitingSpinnerWidget::theSpinnerStaysInTheMiddle_data()
+{
+    QTest::addColumn<bool>("centred");
+    QTest::newRow("centred") << true;
+    QTest::newRow("left where it is") << false;
+}
+
+void tst_WaitingSpinnerWidget::theSpinnerStaysInTheMiddle()
+{
+    QFETCH(bool, centred);
+    QWidget parent;
+    parent.resize(201, 101);
+    WaitingSpinnerWidget spinner(&parent, centred, false);
+    spinner.move(3, 4);
+    parent.show();
+    spinner.start();
+    QCOMPARE(spinner.pos(), centred ? QPoint(80, 30) : QPoint(3, 4));
+    parent.resize(301, 200);
+    QTRY_COMPARE(spinner.pos(), centred ? QPoint(130, 80) : QPoint(3, 4));
+    spinner.setInnerRadius(20);
+    QTRY_COMPARE(spinner.pos(), centred ? QPoint(120, 70) : QPoint(3, 4));
+    parent.resize(10, 10);
+    QTRY_COMPARE(spinner.pos(), centred ? QPoint(-25, -25) : QPoint(3, 4));
+}
+
+void tst_WaitingSpinnerWidget::aWindowIsCentredInTheParentsCoordinates()
+{
+    QWidget parent;
+    parent.setGeometry(100, 100, 300, 200);
+    WaitingSpinnerWidget spinner(Qt::NonModal, &parent, true, false);
+    parent.show();
+    spinner.start();
+    QCOMPARE(spinner.pos(), QPoint(130, 80));
+}
+
+void tst_WaitingSpinnerWidget::theOpaqueLineGoesRound()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    for (int step = 0; step < 2 * Lines + 1; ++step) {
+        QCOMPARE(leadingLine(spinner), step % Lines);
+        QVERIFY(QMetaObject::invokeMethod(&spinner, "rotate"));
+    }
+}
+
+void tst_WaitingSpinnerWidget::theTimerTurnsTheRing()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.start();
+    QTRY_COMPARE_WITH_TIMEOUT(leadingLine(spinner), 1, 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(leadingLine(spinner), 0, 30000);
+}
+
+void tst_WaitingSpinnerWidget::aNewNumberOfLinesStartsAnew()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    for (int i = 0; i < 9; ++i)
+        spinner.rotate();
+    QCOMPARE(leadingLine(spinner), 9);
+    spinner.setNumberOfLines(6);
+    QCOMPARE(leadingLine(spinner, 6), 0);
+    spinner.rotate();
+    QCOMPARE(leadingLine(spinner, 6), 1);
+}
+
+void tst_WaitingSpinnerWidget::stoppingStartsAnew()
+{
+    QWidget parent;
+    WaitingSpinnerWidget spinner(&parent, false, false);
+    spinner.setRevolutionsPerSecond(0.0001);
+    parent.show();
+    spinner.rotate();
+    spinner.stop(); // not spinning: nothing to begin anew
+    QCOMPARE(leadingLine(spinner), 1);
+    spinner.start();
+    QCOMPARE(leadingLine(spinner), 0);
+    spinner.rotate();
+    spinner.rotate();
+    spinner.start();
+    QCOMPARE(leadingLine(spinner), 2);
+    spinner.stop();
+    QCOMPARE(leadingLine(spinner), 0);
+}
+
+void tst_WaitingSpinnerWidget::theRingIsDrawnAsStated()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.setColor(QColor(0, 0, 255));
+    spinner.setRoundness(0);
+    for (int i = 0; i < 3; ++i)
+        spinner.rotate();
+    const QImage image = imageOf(spinner);
+    for (int line = 0; line < Lines; ++line) {
+        const int distance = (3 - line + Lines) % Lines;
+        const QColor expected = WaitingSpinnerWidget::currentLineColor(distance, Lines, 70, 15, QColor(0, 0, 255));
+        const QColor drawn = colourOfLine(image, line);
+        QVERIFY(qAbs(drawn.alpha() - expected.alpha()) <= 2);
+        QVERIFY(qAbs(drawn.blue() - 255) <= 5);
+    }
+    // The first line points to the right, from the inner radius to the edge, two pixels above and below the middle.
+    for (const QPoint &inside : {QPoint(30, 18), QPoint(39, 18), QPoint(30, 21), QPoint(39, 21)})
+        QVERIFY(image.pixelColor(inside).alpha() > 0);
+    for (const QPoint &outside : {QPoint(28, 20), QPoint(35, 16), QPoint(35, 23), QPoint(20, 20), QPoint(0, 0)})
+        QCOMPARE(image.pixelColor(outside).alpha(), 0);
+
+    spinner.setRoundness(100);
+    QVERIFY(imageOf(spinner).pixelColor(39, 18).alpha() < image.pixelColor(39, 18).alpha());
+}
+
+void tst_WaitingSpinnerWidget::noLinesAreNoDivision_data()
+{
+    QTest::addColumn<int>("lines");
+    QTest::addColumn<double>("revolutions");
+    QTest::newRow("no lines") << 0 << 1.0;
+    QTest::newRow("fewer") << -7 << 1.0;
+    QTest::newRow("no revolutions") << 11 << 0.0;
+    QTest::newRow("neither") << 0 << 0.0;
+}
+
+void tst_WaitingSpinnerWidget::noLinesAreNoDivision()
+{
+    QFETCH(int, lines);
+    QFETCH(double, revolutions);
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.setNumberOfLines(lines);
+    spinner.setRevolutionsPerSecond(revolutions);
+    spinner.start();
+    spinner.rotate();
+    const bool isEmpty = imageOf(spinner) == [] {
+        QImage empty(40, 40, QImage::Format_ARGB32);
+        empty.fill(Qt::transparent);
+        return empty;
+    }();
+    QCOMPARE(isEmpty, lines <= 0);
+    spinner.setCountdown(3);
+    QVERIFY(isNumberDrawn(spinner));
+    spinner.stop();
+}
+
+void tst_WaitingSpinnerWidget::theBackgroundIsLeftAlone()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    QImage image(spinner.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::red);
+    spinner.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+    QCOMPARE(image.pixelColor(20, 20), QColor(Qt::red));
+}
+
+void tst_WaitingSpinnerWidget::theCountdownIsDrawnUntilZero()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    QVERIFY(!isNumberDrawn(spinner));
+    spinner.setCountdown(3);
+    QList<QImage> images;
+    for (int seconds = 3; seconds > 0; --seconds) {
+        QVERIFY(isNumberDrawn(spinner));
+        images.append(imageOf(spinner));
+        QVERIFY(QMetaObject::invokeMethod(&spinner, "updateCountdown"));
+    }
+    QVERIFY(!isNumberDrawn(spinner));
+    QVERIFY(images.at(0) != images.at(1));
+    QVERIFY(images.at(1) != images.at(2));
+    WaitingSpinnerWidget two(nullptr, false, false);
+    two.setCountdown(2);
+    QCOMPARE(imageOf(two), images.at(1));
+    spinner.updateCountdown();
+    QVERIFY(!isNumberDrawn(spinner));
+}
+
+void tst_WaitingSpinnerWidget::theCountdownEndsByItself()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.setCountdown(2);
+    QTimer *timer = countdownTimersOf(spinner).first();
+    QCOMPARE(timer->interval(), 1000);
+    QCOMPARE(timer->parent(), &spinner);
+    spinner.start();
+    QVERIFY(timer->isActive());
+    tick(timer);
+    QVERIFY(isNumberDrawn(spinner));
+    tick(timer);
+    QVERIFY(!isNumberDrawn(spinner));
+    QVERIFY(timer->isActive()); // until the next tick
+    tick(timer);
+    QVERIFY(!timer->isActive());
+    QVERIFY(spinner.isSpinning());
+}
+
+void tst_WaitingSpinnerWidget::theCountdownRunsWithoutTheSpinner()
+{
+    QWidget parent;
+    WaitingSpinnerWidget spinner(&parent, true, true);
+    spinner.setCountdown(1);
+    parent.show();
+    spinner.start();
+    spinner.stop();
+    QTimer *timer = countdownTimersOf(spinner).first();
+    QVERIFY(timer->isActive());
+    QVERIFY(!spinner.isVisible());
+    QTRY_VERIFY_WITH_TIMEOUT(!timer->isActive(), 20000);
+    QVERIFY(!isNumberDrawn(spinner));
+}
+
+void tst_WaitingSpinnerWidget::theCountdownStartsWithTheSpinner()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.start();
+    spinner.setCountdown(5);
+    const QTimer *timer = countdownTimersOf(spinner).first();
+    QVERIFY(!timer->isActive());
+    spinner.start(); // it turns already
+    QVERIFY(!timer->isActive());
+    spinner.stop();
+    spinner.start();
+    QVERIFY(timer->isActive());
+}
+
+void tst_WaitingSpinnerWidget::aCountdownOfZeroIsNone_data()
+{
+    QTest::addColumn<int>("seconds");
+    QTest::newRow("zero") << 0;
+    QTest::newRow("below") << -5;
+}
+
+void tst_WaitingSpinnerWidget::aCountdownOfZeroIsNone()
+{
+    QFETCH(int, seconds);
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.setCountdown(seconds);
+    spinner.start();
+    QVERIFY(!countdownTimersOf(spinner).first()->isActive());
+    QVERIFY(!isNumberDrawn(spinner));
+    spinner.updateCountdown();
+    QVERIFY(!isNumberDrawn(spinner));
+}
+
+void tst_WaitingSpinnerWidget::theCountdownMayBeUpdatedFirst()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.updateCountdown();
+    QVERIFY(!isNumberDrawn(spinner));
+    QVERIFY(countdownTimersOf(spinner).isEmpty());
+}
+
+void tst_WaitingSpinnerWidget::everyCountdownHasATimerOfItsOwn()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    for (int i = 1; i <= 3; ++i) {
+        spinner.setCountdown(10 * i);
+        QCOMPARE(countdownTimersOf(spinner).size(), i);
+    }
+    spinner.start();
+    const QList<QTimer *> timers = countdownTimersOf(spinner);
+    QVERIFY(!timers.at(0)->isActive());
+    QVERIFY(!timers.at(1)->isActive());
+    QVERIFY(timers.at(2)->isActive());
+}
+
+void tst_WaitingSpinnerWidget::anEarlierTimerStopsItself()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.setCountdown(5);
+    spinner.start();
+    spinner.setCountdown(2); // the earlier timer runs on, the new one waits for the next start
+    QTimer *earlier = countdownTimersOf(spinner).at(0);
+    QTimer *later = countdownTimersOf(spinner).at(1);
+    QVERIFY(earlier->isActive());
+    QVERIFY(!later->isActive());
+    spinner.stop();
+    spinner.start();
+    QVERIFY(earlier->isActive());
+    QVERIFY(later->isActive());
+
+    tick(earlier); // both count
+    QVERIFY(isNumberDrawn(spinner));
+    tick(later);
+    QVERIFY(!isNumberDrawn(spinner));
+    tick(later);
+    QVERIFY(!later->isActive());
+    QVERIFY(earlier->isActive());
+    tick(earlier);
+    QVERIFY(!earlier->isActive());
+}
+
+void tst_WaitingSpinnerWidget::timersGoWithTheSpinner()
+{
+    QList<QPointer<QTimer>> timers;
+    {
+        WaitingSpinnerWidget spinner(nullptr, false, false);
+        spinner.setCountdown(1);
+        spinner.start();
+        spinner.setCountdown(2);
+        for (QTimer *timer : spinner.findChildren<QTimer *>())
+            timers.append(timer);
+    }
+    QCOMPARE(timers.size(), 3);
+    for (const auto &timer : timers)
+        QVERIFY(!timer);
+}
+
+void tst_WaitingSpinnerWidget::itIsHeardAsABusyProgressBar()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&spinner);
+    QVERIFY(interface);
+    QCOMPARE(interface->role(), QAccessible::ProgressBar);
+    QVERIFY(interface->state().readOnly);
+    QVERIFY(!interface->valueInterface());
+    QVERIFY(!interface->state().busy);
+    spinner.start();
+    QVERIFY(interface->state().busy);
+    spinner.stop();
+    QVERIFY(!interface->state().busy);
+}
+
+void tst_WaitingSpinnerWidget::startingAndStoppingAreHeardOnce()
+{
+    if (!AccessibleEvents::isAvailable())
+        QSKIP("Qt's private headers are missing.");
+    AccessibleEvents events;
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    QAccessible::State busy;
+    busy.busy = true;
+    QAccessibleStateChangeEvent change(&spinner, busy);
+    spinner.stop();
+    QVERIFY(!events.contains(&change));
+    spinner.start();
+    QVERIFY(events.contains(&change));
+    events.clear();
+    spinner.start();
+    QVERIFY(!events.contains(&change));
+    spinner.stop();
+    QVERIFY(events.contains(&change));
+}
+
+void tst_WaitingSpinnerWidget::theTextIsItsName()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    const QImage before = imageOf(spinner);
+    spinner.setText(QStringLiteral("Connecting"));
+    QCOMPARE(imageOf(spinner), before);
+    QCOMPARE(QAccessible::queryAccessibleInterface(&spinner)->text(QAccessible::Name), QStringLiteral("Connecting"));
+}
+
+void tst_WaitingSpinnerWidget::theCountdownIsItsValue()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.setCountdown(3);
+    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&spinner);
+    QAccessibleValueInterface *value = interface->valueInterface();
+    QVERIFY(value);
+    QCOMPARE(value->minimumValue().toInt(), 0);
+    QCOMPARE(value->maximumValue().toInt(), 3);
+    QCOMPARE(value->minimumStepSize().toInt(), 1);
+    QCOMPARE(value->currentValue().toInt(), 3);
+    value->setCurrentValue(1);
+    QCOMPARE(value->currentValue().toInt(), 3);
+    spinner.updateCountdown();
+    QCOMPARE(value->currentValue().toInt(), 2);
+    QCOMPARE(value->maximumValue().toInt(), 3);
+}
+
+void tst_WaitingSpinnerWidget::everySecondIsHeard()
+{
+    if (!AccessibleEvents::isAvailable())
+        QSKIP("Qt's private headers are missing.");
+    AccessibleEvents events;
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.setCountdown(2);
+    for (const int seconds : {2, 1, 0}) {
+        QAccessibleValueChangeEvent change(&spinner, seconds);
+        QVERIFY(events.contains(&change));
+        events.clear();
+        spinner.updateCountdown();
+    }
+    QAccessibleValueChangeEvent nothingLeft(&spinner, 0);
+    QVERIFY(!events.contains(&nothingLeft));
+}
+
+UNIPROG_TEST_MAIN(tst_WaitingSpinnerWidget)
+
+#include "tst_waitingspinnerwidget.moc"
