@@ -61,6 +61,7 @@ Q_SIGNALS:
 private:
     void entryStateChanged(QAbstractAnimation::State newState);
     void entryDestroyed();
+    void scheduleAdvance();
     void advance();
     bool firstHasStopped() const;
     void startFirst();

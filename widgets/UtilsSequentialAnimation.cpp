@@ -56,10 +56,8 @@ void UtilsSequentialAnimation::SlotAnimationFinished()
 // deletes the targets and then empties the queue hears nothing of the entries that died on the way.
 void UtilsSequentialAnimation::entryStateChanged(QAbstractAnimation::State newState)
 {
-    if (newState != QAbstractAnimation::Stopped || advanceIsScheduled)
-        return;
-    advanceIsScheduled = true;
-    QMetaObject::invokeMethod(this, &UtilsSequentialAnimation::advance, Qt::QueuedConnection);
+    if (newState == QAbstractAnimation::Stopped)
+        scheduleAdvance();
 }
 
 void UtilsSequentialAnimation::entryDestroyed()
@@ -67,9 +65,18 @@ void UtilsSequentialAnimation::entryDestroyed()
     for (qsizetype index = 0; index < queue.size(); ++index) {
         if (!queue.at(index)) {
             dropEntry(index);
+            scheduleAdvance(); // one whose signals are blocked has said nothing before
             return;
         }
     }
+}
+
+void UtilsSequentialAnimation::scheduleAdvance()
+{
+    if (advanceIsScheduled)
+        return;
+    advanceIsScheduled = true;
+    QMetaObject::invokeMethod(this, &UtilsSequentialAnimation::advance, Qt::QueuedConnection);
 }
 
 void UtilsSequentialAnimation::advance()

@@ -33,6 +33,13 @@ QPropertyAnimation *makeAnimation(QObject *target, int duration, QObject *parent
     return animation;
 }
 
+/// What is left to hear of it is that it was destroyed.
+void stopInSilence(QPropertyAnimation *animation)
+{
+    animation->blockSignals(true);
+    animation->stop();
+}
+
 } // namespace
 
 class tst_UtilsSequentialAnimation : public UniProgTest
@@ -69,6 +76,7 @@ private Q_SLOTS:
     void theSlotOnAnIdleQueueDoesNothing();
     void theSlotWithoutASenderDropsTheFirstEntry();
     void aForgottenAnimationDropsNothing();
+    void aForgottenAnimationMayBeQueuedAgain();
     void aForgottenAnimationThatEndsInsideTheAnnouncementDropsNothing();
 
     void theQueueMayBeDeletedInsideASignal_data();
@@ -281,7 +289,7 @@ void tst_UtilsSequentialAnimation::theQueueGoesOn_data()
 {
     QTest::addColumn<QString>("accident");
     QTest::addColumn<int>("entry");
-    for (const char *accident : {"stopped", "animation deleted", "target deleted"}) {
+    for (const char *accident : {"stopped", "animation deleted", "target deleted", "stopped in silence"}) {
         for (int entry = 0; entry < 3; ++entry)
             QTest::addRow("entry %d %s", entry, accident) << QString::fromLatin1(accident) << entry;
     }
@@ -309,8 +317,10 @@ void tst_UtilsSequentialAnimation::theQueueGoesOn()
         animations[entry]->stop();
     else if (accident == "animation deleted")
         delete animations[entry];
-    else
+    else if (accident == "target deleted")
         delete targets[entry];
+    else
+        stopInSilence(animations[entry]);
     QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, 30'000);
     QCOMPARE(reachedEnd, 2);
     QCOMPARE(queue.NumberOfWaitingAnimations(), 0);
@@ -447,6 +457,21 @@ void tst_UtilsSequentialAnimation::aForgottenAnimationDropsNothing()
     queue.AddAnimation(makeAnimation(&other, Endless, &other));
     QTRY_VERIFY(!guard);
     QCOMPARE(queue.NumberOfWaitingAnimations(), 1);
+}
+
+void tst_UtilsSequentialAnimation::aForgottenAnimationMayBeQueuedAgain()
+{
+    Target target;
+    UtilsSequentialAnimation queue;
+    QSignalSpy finished(&queue, &UtilsSequentialAnimation::SignalAllAnimationsFinished);
+    queue.AddAnimation(makeAnimation(&target, Endless, &target));
+    QPropertyAnimation *waiting = makeAnimation(&target, Short);
+    queue.AddAnimation(waiting);
+    queue.DestroyAllAnimations();
+    queue.AddAnimation(waiting);
+    QCOMPARE(queue.NumberOfWaitingAnimations(), 1);
+    QCOMPARE(waiting->state(), QAbstractAnimation::Running);
+    QTRY_COMPARE(finished.count(), 1);
 }
 
 void tst_UtilsSequentialAnimation::aForgottenAnimationThatEndsInsideTheAnnouncementDropsNothing()
