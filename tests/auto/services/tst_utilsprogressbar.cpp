@@ -23,6 +23,7 @@ private Q_SLOTS:
     void theRangeChoosesTheType_data();
     void theRangeChoosesTheType();
     void theStyleIsPolishedAnewBeforeTheRangeChanges();
+    void theSameRangeIsPaintedAnew();
     void aStyleSheetSeesTheTypeChange();
 
     void theFirstAndTheSecondChangePlayInSequence();
@@ -143,6 +144,30 @@ void tst_UtilsProgressBar::theStyleIsPolishedAnewBeforeTheRangeChanges()
     bar.setRange(0, 50);
     QCOMPARE(style.events, QStringList({QStringLiteral("unpolish regular 0"), QStringLiteral("polish regular 0")}));
     bar.setStyle(nullptr);
+}
+
+void tst_UtilsProgressBar::theSameRangeIsPaintedAnew()
+{
+    // A style may look different after polishing without asking for a paint.
+    class PaintCounter : public QObject
+    {
+    public:
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            paints += event->type() == QEvent::Paint ? 1 : 0;
+            return false;
+        }
+        int paints = 0;
+    } counter;
+    UtilsProgressBar bar;
+    bar.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&bar));
+    QCoreApplication::processEvents();
+    bar.installEventFilter(&counter);
+    QCoreApplication::processEvents();
+    QCOMPARE(counter.paints, 0);
+    bar.setRange(0, 100);
+    QTRY_COMPARE(counter.paints, 1);
 }
 
 void tst_UtilsProgressBar::aStyleSheetSeesTheTypeChange()

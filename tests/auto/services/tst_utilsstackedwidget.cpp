@@ -1,6 +1,7 @@
 #include <UtilsFade.h>
 #include <UtilsStackedWidget.h>
 
+#include <ReferenceFade.h>
 #include <UniProgTest.h>
 
 #include <QApplication>
@@ -31,6 +32,7 @@ private Q_SLOTS:
 
     void anAnimatedStackSwitchesWhenTheOldPageHasFaded();
     void theFadesKeepTheirRange();
+    void theFadesTakeTheirTime();
     void changingToTheCurrentPageFadesIt();
     void aSecondChangeWins_data();
     void aSecondChangeWins();
@@ -228,6 +230,23 @@ void tst_UtilsStackedWidget::theFadesKeepTheirRange()
     QVERIFY(!seen.isEmpty());
     QVERIFY(std::is_sorted(seen.crbegin(), seen.crend()));
     QCOMPARE(seen.last(), 0.3);
+}
+
+void tst_UtilsStackedWidget::theFadesTakeTheirTime()
+{
+    const auto effectOf
+        = [](const QWidget *page) { return qobject_cast<QGraphicsOpacityEffect *>(page->graphicsEffect()); };
+    Stack leaving(true);
+    leaving.setCurrentIndex(1);
+    const ReferenceFade out(effectOf(leaving.widget(0)), 1.0, 0.3, 90);
+    Stack arriving(true);
+    arriving.setCurrentIndex(1);
+    arriving.slotEndChangeCurrent();
+    QCOMPARE(arriving.currentIndex(), 1);
+    const ReferenceFade in(effectOf(arriving.widget(1)), 0.3, 1.0, 200);
+    QTRY_VERIFY(out.hasEnded() && in.hasEnded());
+    QVERIFY(out.agrees());
+    QVERIFY(in.agrees());
 }
 
 void tst_UtilsStackedWidget::changingToTheCurrentPageFadesIt()

@@ -1,6 +1,7 @@
 #include <UtilsDialogFrame.h>
 #include <UtilsSingleInstance.h>
 
+#include <ReferenceFade.h>
 #include <UniProgTest.h>
 
 #include <QApplication>
@@ -356,6 +357,7 @@ void tst_UtilsDialogFrame::theCardFadesInAndGetsItsShadow()
 
     QSignalSpy steps(opacity, &QGraphicsOpacityEffect::opacityChanged);
     frame->show();
+    const ReferenceFade reference(opacity, 0.0, 1.0, 200);
     QVERIFY(card->isVisible());
     QVERIFY(opacity->opacity() < 1.0);
     // A window that comes back from the task bar is shown again, and its card does not start anew.
@@ -363,6 +365,7 @@ void tst_UtilsDialogFrame::theCardFadesInAndGetsItsShadow()
     QCoreApplication::sendEvent(frame, &shownAgain);
     QTRY_VERIFY_WITH_TIMEOUT(card->graphicsEffect() == shadow, Patience);
     QVERIFY(!opacityGuard);
+    QVERIFY(reference.agrees());
     QList<double> opacities;
     for (const QList<QVariant> &arguments : std::as_const(steps))
         opacities.append(arguments.first().toDouble());

@@ -1,5 +1,6 @@
 #include <UtilsFade.h>
 
+#include <ReferenceFade.h>
 #include <UniProgTest.h>
 
 #include <QApplication>
@@ -60,6 +61,7 @@ private Q_SLOTS:
     void theEffectIsInstalledAndShowsTheWidgetAsItWas();
     void inRunsFromTheMinimumToTheMaximum();
     void outRunsFromTheMaximumToTheMinimum();
+    void theOpacityGoesSlowlyAtBothEnds();
     void theRangeCanBeSet();
     void setDurationsHoldForLaterFades();
     void anOutDuringAnInRunsAfterIt();
@@ -112,6 +114,22 @@ void tst_UtilsFade::outRunsFromTheMaximumToTheMinimum()
     fade.Out("1slotFadeOutFinished()");
     QCOMPARE(opacityEffect(widget)->opacity(), 1.0);
     QTRY_COMPARE(receiver.log, QStringList("out 0"));
+}
+
+void tst_UtilsFade::theOpacityGoesSlowlyAtBothEnds()
+{
+    constexpr int Visible = 300; // ms, several steps on a busy machine
+    QWidget in;
+    QWidget out;
+    UtilsFade fadeIn(&in, nullptr, Visible, Endless);
+    UtilsFade fadeOut(&out, nullptr, Endless, Visible);
+    fadeIn.In(nullptr);
+    fadeOut.Out(nullptr);
+    const ReferenceFade rising(opacityEffect(in), 0.0, 1.0, Visible);
+    const ReferenceFade falling(opacityEffect(out), 1.0, 0.0, Visible);
+    QTRY_VERIFY(rising.hasEnded() && falling.hasEnded());
+    QVERIFY(rising.agrees());
+    QVERIFY(falling.agrees());
 }
 
 void tst_UtilsFade::theRangeCanBeSet()

@@ -1,0 +1,41 @@
+#include "ReferenceFade.h"
+
+#include <QEasingCurve>
+#include <QGraphicsOpacityEffect>
+
+namespace {
+
+constexpr double Rounding = 0.0001;
+
+} // namespace
+
+ReferenceFade::ReferenceFade(QGraphicsOpacityEffect *faded, double from, double to, int duration)
+    : effect(faded)
+{
+    animation.setStartValue(from);
+    animation.setEndValue(to);
+    animation.setDuration(duration);
+    animation.setEasingCurve(QEasingCurve::InOutQuad);
+    QObject::connect(&animation, &QVariantAnimation::valueChanged, &animation,
+                     [this](const QVariant &value) { compare(value.toDouble()); });
+    animation.start();
+}
+
+bool ReferenceFade::hasEnded() const
+{
+    return animation.state() == QAbstractAnimation::Stopped;
+}
+
+bool ReferenceFade::agrees() const
+{
+    return stepsOnTheWay > 0 && furthestApart < Rounding;
+}
+
+void ReferenceFade::compare(double expected)
+{
+    if (!effect || animation.currentTime() == 0)
+        return;
+    if (animation.currentTime() < animation.duration())
+        ++stepsOnTheWay;
+    furthestApart = qMax(furthestApart, qAbs(effect->opacity() - expected));
+}
