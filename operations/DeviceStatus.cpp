@@ -32,7 +32,7 @@ QString DeviceStatus::deviceConnectText(int status)
 
 QString DeviceStatus::targetConnectText(int status)
 {
-    const QString failed = QStringLiteral("Connecting to target failed.");
+    QString failed = QStringLiteral("Connecting to target failed.");
     switch (status) {
     case WrongTargetVoltage:
         return failed + QStringLiteral("\nWrong target voltage.\nCheck power settings.");
