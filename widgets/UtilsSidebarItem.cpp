@@ -107,6 +107,7 @@ int UtilsSidebarItem::addChild(const QString &caption, int row)
 {
     QToolButton *button = createChildButton(caption);
     auto *item = new QListWidgetItem;
+    item->setSizeHint(QSize(0, ChildButtonHeight));
     item->setData(Qt::AccessibleTextRole, caption);
     m_childList->insertItem(row, item);
     m_childList->setItemWidget(item, button);
