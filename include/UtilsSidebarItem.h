@@ -3,6 +3,7 @@
 
 #include "uniprogutils_export.h"
 
+#include <QIcon>
 #include <QMap>
 #include <QPointer>
 #include <QString>
@@ -10,7 +11,6 @@
 
 class QButtonGroup;
 class QGraphicsDropShadowEffect;
-class QIcon;
 class QPropertyAnimation;
 class QToolButton;
 class UtilsSidebarListWidget;
@@ -70,7 +70,6 @@ private:
 
     void setupForm();
     QToolButton *createChildButton(const QString &caption);
-    QIcon iconFrom(const QString &path) const;
     int rowOf(const QToolButton *button) const;
     int targetHeight() const;
     void animateHeight(int target);
@@ -86,6 +85,8 @@ private:
     QMap<int, QToolButton *> m_childButtons;
     QGraphicsDropShadowEffect *m_shadow;
     QPointer<QPropertyAnimation> m_heightAnimation;
+    QIcon m_checkedPicture;
+    QIcon m_uncheckedPicture;
 };
 
 #endif // UTILSSIDEBARITEM_H

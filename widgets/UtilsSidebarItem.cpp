@@ -5,7 +5,6 @@
 
 #include <QButtonGroup>
 #include <QGraphicsDropShadowEffect>
-#include <QIcon>
 #include <QPropertyAnimation>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -19,8 +18,22 @@ static constexpr qreal ShadowBlurRadius = 8.0;
 static constexpr qreal ShadowOffset = 0.0;
 static constexpr int NoId = -1;
 
-/// The scales of screens that an icon has a picture of its own for, so that none is scaled to fit the button.
+// The scales of screens that an icon has a picture of its own for, so that none is scaled to fit the button.
 static constexpr qreal IconScales[] = {1.0, 1.25, 1.5, 1.75, 2.0, 2.25, 2.5, 3.0};
+
+static QIcon iconFrom(const QString &path)
+{
+    // As pixmaps: the engine for SVG would grey the picture for a disabled button, and disabled is what the selected
+    // section is.
+    const QIcon drawing(path);
+    QIcon icon;
+    for (const qreal scale : IconScales) {
+        const QPixmap picture = drawing.pixmap(MainIconSize * scale, 1.0);
+        icon.addPixmap(picture, QIcon::Active, QIcon::On);
+        icon.addPixmap(picture, QIcon::Disabled, QIcon::On);
+    }
+    return icon;
+}
 
 UtilsSidebarItem::UtilsSidebarItem(UtilsSidebarWidget *receiver, QWidget *parent)
     : QWidget(parent)
@@ -85,11 +98,13 @@ void UtilsSidebarItem::setUp(const QString &caption, const QString &uncheckedIco
 {
     m_uncheckedIcon = uncheckedIcon;
     m_checkedIcon = checkedIcon;
+    m_uncheckedPicture = iconFrom(m_uncheckedIcon);
+    m_checkedPicture = iconFrom(m_checkedIcon);
 
     setCaption(caption);
     m_mainButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_mainButton->setIconSize(MainIconSize);
-    m_mainButton->setIcon(iconFrom(m_mainButton->isChecked() ? m_checkedIcon : m_uncheckedIcon));
+    m_mainButton->setIcon(m_mainButton->isChecked() ? m_checkedPicture : m_uncheckedPicture);
     m_mainButton->setProperty("sidebarItem-elementType", QStringLiteral("main-button"));
     m_mainButton->setStyleSheet(
         QStringLiteral("padding-left: 9px; padding-right: 0px;padding-top: 1px; padding-bottom: 1px;"));
@@ -197,7 +212,7 @@ void UtilsSidebarItem::on_toolButton_main_toggled(bool checked)
         m_mainButton->setEnabled(false); // it stays selected: another click does nothing
         Q_EMIT SignalItemToggled(this, true);
     }
-    m_mainButton->setIcon(iconFrom(m_mainButton->isChecked() ? m_checkedIcon : m_uncheckedIcon));
+    m_mainButton->setIcon(m_mainButton->isChecked() ? m_checkedPicture : m_uncheckedPicture);
 }
 
 void UtilsSidebarItem::SlotChildButtonToggled(bool checked)
@@ -206,20 +221,6 @@ void UtilsSidebarItem::SlotChildButtonToggled(bool checked)
     m_mainButton->setEnabled(!checked);
     Q_EMIT SignalItemToggled(this, checked);
     Q_EMIT SignalChildToggled(id, checked);
-}
-
-QIcon UtilsSidebarItem::iconFrom(const QString &path) const
-{
-    // As pixmaps: the engine for SVG would grey the picture for a disabled button, and disabled is what the selected
-    // section is.
-    const QIcon drawing(path);
-    QIcon icon;
-    for (const qreal scale : IconScales) {
-        const QPixmap picture = drawing.pixmap(MainIconSize * scale, 1.0);
-        icon.addPixmap(picture, QIcon::Active, QIcon::On);
-        icon.addPixmap(picture, QIcon::Disabled, QIcon::On);
-    }
-    return icon;
 }
 
 int UtilsSidebarItem::rowOf(const QToolButton *button) const
