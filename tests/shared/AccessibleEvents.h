@@ -16,11 +16,13 @@ public:
     static bool isAvailable();
 
     void clear();
-    /// Whether an event like @p event came since the last clear().
+    /// Whether an event like @p event, with the same states or value, came since the last clear().
     bool contains(QAccessibleEvent *event) const;
 
 private:
     Q_DISABLE_COPY_MOVE(AccessibleEvents)
+
+    QAccessible::UpdateHandler previousHandler;
 };
 
 #endif // ACCESSIBLEEVENTS_H
