@@ -15,6 +15,11 @@ struct Result
     double cpuTime;
 };
 
+bool isOurs(const std::string &subject)
+{
+    return subject.rfind("Utils", 0) == 0 || subject.rfind("WaitingSpinnerWidget", 0) == 0;
+}
+
 class RatioReporter : public benchmark::ConsoleReporter
 {
 public:
@@ -38,10 +43,10 @@ public:
         ConsoleReporter::Finalize();
         for (const auto &[work, subjects] : results) {
             for (const Result &ours : subjects) {
-                if (ours.subject.rfind("Utils", 0) != 0)
+                if (!isOurs(ours.subject))
                     continue;
                 for (const Result &other : subjects) {
-                    if (other.subject.rfind("Utils", 0) != 0) {
+                    if (!isOurs(other.subject)) {
                         GetOutputStream() << work << ": " << ours.subject << " / " << other.subject << " = "
                                           << ours.cpuTime / other.cpuTime << '\n';
                     }
