@@ -47,6 +47,13 @@ function(uniprog_compile_options target)
     endif()
 endfunction()
 
+# What the system, and UtilsMisc::GetFileVersion(), reads of a library's version.
+function(uniprog_version_resource target)
+    set(target_file "${CMAKE_SHARED_LIBRARY_PREFIX}${target}${CMAKE_SHARED_LIBRARY_SUFFIX}")
+    configure_file("${PROJECT_SOURCE_DIR}/cmake/version.rc.in" "${CMAKE_CURRENT_BINARY_DIR}/${target}_version.rc" @ONLY)
+    target_sources(${target} PRIVATE "${CMAKE_CURRENT_BINARY_DIR}/${target}_version.rc")
+endfunction()
+
 # uniprog_library(<target> EXPORT_NAME <name>)
 # An installed library of the namespace UniProg:: with a generated export header <target>_export.h in lower case.
 function(uniprog_library target)
@@ -56,7 +63,9 @@ function(uniprog_library target)
         EXPORT_NAME ${arg_EXPORT_NAME}
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR})
-    if(UNIX AND NOT APPLE)
+    if(WIN32 AND BUILD_SHARED_LIBS)
+        uniprog_version_resource(${target})
+    elseif(UNIX AND NOT APPLE)
         # Our libraries find one another in whatever folder they are installed to.
         set_target_properties(${target} PROPERTIES INSTALL_RPATH "\$ORIGIN")
     endif()

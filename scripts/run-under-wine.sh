@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# Runs a Windows program of this project as if it were one of this system: run-under-wine.sh QT PROGRAM [ARGUMENT...]
+# QT is the folder of a Qt for Windows. ctest --preset windows starts every program this way.
+#
+# The Wine prefix is WINEPREFIX, otherwise build/wine, made when it is missing. QT_QPA_PLATFORM is offscreen unless set;
+# "windows" takes an X display. What a test program prints is shown when it has ended: Wine does not hand its console
+# output over reliably.
+set -euo pipefail
+qt=$(realpath "$1")
+program=$2
+shift 2
+root=$(realpath "$(dirname "$0")/..")
+
+windows_path() { printf 'Z:%s' "${1//\//\\}"; }
+
+export WINEPREFIX=${WINEPREFIX:-$root/build/wine} WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
+# Nothing here needs .NET or HTML, whose installers would ask for a download.
+export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree,mshtml=}
+runtime=$(dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name=libstdc++-6.dll)")
+WINEPATH="$(windows_path "$(dirname "$(realpath "$program")")");$(windows_path "$qt/bin");$(windows_path "$runtime")"
+export WINEPATH="$WINEPATH;$(windows_path /usr/x86_64-w64-mingw32/lib)"
+# Wine drops the variables that begin with QT_, and gives those that begin with WINEQT_ on without WINE.
+export WINEQT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}
+export WINEQT_QPA_FONTDIR=${QT_QPA_FONTDIR:-$(windows_path /usr/share/fonts/truetype/open-sans)}
+
+mkdir -p "$WINEPREFIX"
+(
+    flock 9
+    [ -e "$WINEPREFIX/system.reg" ] || { wineboot -i && wineserver -w; }
+) 9>"$WINEPREFIX/.lock" >/dev/null 2>&1
+
+case $(basename "$program") in
+tst_*) ;;
+*) exec wine "$program" "$@" ;;
+esac
+
+result=$(mktemp)
+trap 'rm -f "$result"' EXIT
+status=0
+wine "$program" "$@" -o "$(windows_path "$result"),txt" || status=$?
+cat "$result"
+exit "$status"
