@@ -1,10 +1,10 @@
 #include <UtilsTabWidget.h>
 
+#include <ContextTranslator.h>
 #include <UniProgTest.h>
 
 #include <QApplication>
 #include <QTabBar>
-#include <QTranslator>
 #include <QVBoxLayout>
 
 class tst_UtilsTabWidget : public UniProgTest
@@ -22,20 +22,6 @@ private Q_SLOTS:
 };
 
 namespace {
-
-class TitleTranslator : public QTranslator
-{
-public:
-    bool isEmpty() const override
-    {
-        return false;
-    }
-    QString translate(const char *context, const char *text, const char *, int) const override
-    {
-        const bool ours = qstrcmp(context, "UtilsTabWidget") == 0 && qstrcmp(text, "TabWidget") == 0;
-        return ours ? QStringLiteral("Kartei") : QString();
-    }
-};
 
 class OwnBar : public UtilsTabWidget
 {
@@ -62,11 +48,9 @@ void tst_UtilsTabWidget::theFormIsAsStated()
 
 void tst_UtilsTabWidget::theTitleIsTranslatedInTheContextOfTheClass()
 {
-    TitleTranslator translator;
-    QCoreApplication::installTranslator(&translator);
+    const ContextTranslator translator("UtilsTabWidget");
     const UtilsTabWidget tabs;
-    QCoreApplication::removeTranslator(&translator);
-    QCOMPARE(tabs.windowTitle(), QStringLiteral("Kartei"));
+    QCOMPARE(tabs.windowTitle(), QStringLiteral("<TabWidget>"));
 }
 
 void tst_UtilsTabWidget::theTabBarTakesTheWholeWidth_data()

@@ -1,5 +1,6 @@
 #include <UtilsDialog.h>
 
+#include <ContextTranslator.h>
 #include <UniProgTest.h>
 
 #include <QApplication>
@@ -16,7 +17,6 @@
 #include <QSignalSpy>
 #include <QTextEdit>
 #include <QToolButton>
-#include <QTranslator>
 
 /// The values a dialog reports and its end, in their order.
 class Report : public QObject
@@ -130,25 +130,10 @@ void tst_UtilsDialog::aMessageIsShown()
     QCOMPARE(label->text(), QStringLiteral("Authentication failed. \nTry again."));
 }
 
-class ContextTranslator : public QTranslator
-{
-public:
-    bool isEmpty() const override
-    {
-        return false;
-    }
-    QString translate(const char *context, const char *text, const char *, int) const override
-    {
-        return qstrcmp(context, "UtilsDialog") == 0 ? QStringLiteral("<%1>").arg(QLatin1String(text)) : QString();
-    }
-};
-
 void tst_UtilsDialog::theMessageIsTranslatedInTheContextOfTheClass()
 {
-    ContextTranslator translator;
-    QVERIFY(QCoreApplication::installTranslator(&translator));
+    const ContextTranslator translator("UtilsDialog");
     UtilsDialog dialog;
-    QCoreApplication::removeTranslator(&translator);
     QCOMPARE(dialog.findChild<QLabel *>()->text(), QStringLiteral("<Dialog Message>"));
     QCOMPARE(dialog.getAcceptButton()->text(), QStringLiteral("OK"));
 }

@@ -1,6 +1,7 @@
 #include <UtilsDialogFrame.h>
 #include <UtilsSingleInstance.h>
 
+#include <ContextTranslator.h>
 #include <ReferenceFade.h>
 #include <UniProgTest.h>
 
@@ -17,7 +18,6 @@
 #include <QSignalSpy>
 #include <QTimer>
 #include <QToolButton>
-#include <QTranslator>
 
 #include <algorithm>
 
@@ -222,25 +222,10 @@ void tst_UtilsDialogFrame::theLayoutsHaveTheirSpacings()
     QVERIFY(buttons->itemAt(3)->expandingDirections() & Qt::Horizontal);
 }
 
-class ContextTranslator : public QTranslator
-{
-public:
-    bool isEmpty() const override
-    {
-        return false;
-    }
-    QString translate(const char *context, const char *text, const char *, int) const override
-    {
-        return qstrcmp(context, "UtilsDialogFrame") == 0 ? QStringLiteral("<%1>").arg(QLatin1String(text)) : QString();
-    }
-};
-
 void tst_UtilsDialogFrame::textsAreTranslatedInTheContextOfTheClass()
 {
-    ContextTranslator translator;
-    QVERIFY(QCoreApplication::installTranslator(&translator));
+    const ContextTranslator translator("UtilsDialogFrame");
     UtilsDialogFrame frame;
-    QCoreApplication::removeTranslator(&translator);
     QCOMPARE(frame.windowTitle(), QStringLiteral("<Dialog>"));
     QCOMPARE(frame.getAcceptButton()->text(), QStringLiteral("<OK>"));
     QCOMPARE(frame.getCancelButton()->text(), QStringLiteral("<CANCEL>"));

@@ -1,5 +1,7 @@
 #include "LoggerTest.h"
 
+#include <ContextTranslator.h>
+
 #include <QLabel>
 #include <QMetaMethod>
 #include <QVBoxLayout>
@@ -14,6 +16,7 @@ class tst_UtilsLogger : public UniProgTest
 
 private Q_SLOTS:
     void theFormIsAsStyleSheetsExpectIt();
+    void textsAreTranslatedInTheContextOfTheClass();
     void theStartValues();
     void theSlotsStandInTheirOrder();
     void theActionsAreThere();
@@ -64,6 +67,15 @@ void tst_UtilsLogger::theFormIsAsStyleSheetsExpectIt()
     QCOMPARE(list->property("background-color"), QVariant("transparent"));
     QCOMPARE(list->contextMenuPolicy(), Qt::CustomContextMenu);
     QCOMPARE(list->metaObject()->className(), "QListWidget"); // exact class selectors match
+}
+
+void tst_UtilsLogger::textsAreTranslatedInTheContextOfTheClass()
+{
+    const ContextTranslator translator("UtilsLogger");
+    const UtilsLogger logger;
+    QCOMPARE(logger.windowTitle(), "<Frame>");
+    for (const char *text : {"<Copy Selected Item>", "<Copy All>", "<Clear>"})
+        QVERIFY2(actionOf(logger, text), text);
 }
 
 void tst_UtilsLogger::theStartValues()

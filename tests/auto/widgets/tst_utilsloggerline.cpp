@@ -1,5 +1,6 @@
 #include <UtilsLoggerLine.h>
 
+#include <ContextTranslator.h>
 #include <UniProgTest.h>
 
 #include <UtilsSequentialAnimation.h>
@@ -50,6 +51,7 @@ class tst_UtilsLoggerLine : public UniProgTest
 
 private Q_SLOTS:
     void theFormIsAsStyleSheetsExpectIt();
+    void textsAreTranslatedInTheContextOfTheClass();
     void withoutDurationThereIsNoHidingFrame_data();
     void withoutDurationThereIsNoHidingFrame();
     void theHidingFrameHasTheStyleSheetOfTheParent();
@@ -105,6 +107,14 @@ void tst_UtilsLoggerLine::theFormIsAsStyleSheetsExpectIt()
     const QMetaObject *meta = line.metaObject();
     QVERIFY(meta->indexOfProperty("hidingFrameStartPos") >= 0);
     QVERIFY(meta->indexOfSlot("slotAnimationStateChanged(QAbstractAnimation::State,QAbstractAnimation::State)") >= 0);
+}
+
+void tst_UtilsLoggerLine::textsAreTranslatedInTheContextOfTheClass()
+{
+    const ContextTranslator translator("UtilsLoggerLine");
+    const UtilsLoggerLine line;
+    QCOMPARE(line.windowTitle(), "<Form>");
+    QCOMPARE(line.getText(), "<OVO JE NEKI TEXT>");
 }
 
 void tst_UtilsLoggerLine::withoutDurationThereIsNoHidingFrame_data()
