@@ -32,6 +32,7 @@ private Q_SLOTS:
 
     void theWidthFollowsTheContent();
     void theWidthIsResizableAgain();
+    void limitsGoWithTheWidthOfTheContent();
     void limitsStayWhenTheWidthWasResizable();
 };
 
@@ -232,6 +233,25 @@ void tst_UtilsDialogWindow::theWidthIsResizableAgain()
     QTRY_VERIFY(window.minimumWidth() >= 1000);
     content->setMinimumWidth(200);
     QTRY_VERIFY(window.minimumWidth() < 300);
+}
+
+void tst_UtilsDialogWindow::limitsGoWithTheWidthOfTheContent()
+{
+    UtilsDialogWindow window;
+    QWidget *content = contentOfWidth(300, 300);
+    window.setContent(content);
+    window.setMinimumWidth(500);
+    window.setMaximumWidth(700);
+    window.setResizableWidth(false);
+    window.show();
+    QTRY_COMPARE(window.minimumWidth(), window.maximumWidth());
+    QVERIFY(window.maximumWidth() < 500);
+
+    window.setResizableWidth(true);
+    content->setMaximumWidth(QWIDGETSIZE_MAX);
+    content->setMinimumWidth(800);
+    QTRY_VERIFY(window.minimumWidth() >= 800);
+    QCOMPARE(window.maximumWidth(), QWIDGETSIZE_MAX);
 }
 
 void tst_UtilsDialogWindow::limitsStayWhenTheWidthWasResizable()

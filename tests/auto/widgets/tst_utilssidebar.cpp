@@ -41,6 +41,7 @@ private Q_SLOTS:
     void aNegativeRowMakesNoButton();
     void aPageOfAnUnknownSectionKeepsItsId();
     void aPageMayBeRegisteredTwice();
+    void registeringTheCurrentPageAgainLeavesItCurrent();
     void nullPagesAreIgnored();
 
     void slotShowWidgetOpensAndShows();
@@ -343,6 +344,21 @@ void tst_UtilsSidebar::aPageMayBeRegisteredTwice()
     QCOMPARE(list(Power)->count(), 0);
     QCOMPARE(sidebar->getWidgetFromMap(3, 1), nullptr);
     QTRY_VERIFY(!page);
+}
+
+void tst_UtilsSidebar::registeringTheCurrentPageAgainLeavesItCurrent()
+{
+    QLabel *first = addPage("First", 0, Target);
+    addPage("Second", 1, Target);
+    sidebar->slotShowWidget(first);
+    QStackedWidget *stack = sidebar->getUtilsStackedWidget();
+    QSignalSpy changed(stack, &QStackedWidget::currentChanged);
+    QSignalSpy removed(stack, &QStackedWidget::widgetRemoved);
+    sidebar->addConnection(first, 0, Power);
+    QCOMPARE(stack->currentWidget(), first);
+    QCOMPARE(stack->indexOf(first), 0);
+    QCOMPARE(changed.count(), 0);
+    QCOMPARE(removed.count(), 0);
 }
 
 void tst_UtilsSidebar::nullPagesAreIgnored()

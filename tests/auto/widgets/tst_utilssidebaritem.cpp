@@ -687,11 +687,25 @@ void tst_UtilsSidebarItem::theIconIsSharpAtEveryScale()
 
 void tst_UtilsSidebarItem::aStyleSheetOfItsOwnSeesNewChildren()
 {
+    /// Counts how often the section's style is worked out anew.
+    struct StyleChanges : QObject
+    {
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            count += event->type() == QEvent::StyleChange;
+            return false;
+        }
+        int count = 0;
+    };
+
     const Section section(1);
     section.item->setStyleSheet("*[sidebarItem-elementType=\"child-button\"] { color: #123456; }");
-    section.item->addChild("new", 1);
     section.item->show();
     QVERIFY(QTest::qWaitForWindowExposed(section.item.get()));
+    StyleChanges changes;
+    section.item->installEventFilter(&changes);
+    section.item->addChild("new", 1);
+    QCOMPARE(changes.count, 1);
     for (int row = 0; row < 2; ++row)
         QCOMPARE(section.childAt(row)->palette().color(QPalette::ButtonText), QColor("#123456"));
 }
