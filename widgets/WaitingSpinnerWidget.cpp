@@ -402,6 +402,8 @@ void WaitingSpinnerWidget::hideEvent(QHideEvent *event)
 
 void WaitingSpinnerWidget::announceCountdown()
 {
+    if (m_countdownStart == 0)
+        return; // no value
     QAccessibleValueChangeEvent event(this, m_countdown);
     QAccessible::updateAccessibility(&event);
 }
