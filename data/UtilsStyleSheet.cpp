@@ -19,6 +19,10 @@ constexpr QLatin1String FontElement("fontName");
 constexpr QLatin1String ValueElements[] = {QLatin1String("color"), QLatin1String("wallpaper"),
                                            QLatin1String("dimension"), FontElement, QLatin1String("fontSize")};
 
+/// In characters: 64 MiB, far more than any style sheet has. Values that contain markers multiply what is there, so
+/// that a few lines of a theme could ask for more memory than there is.
+constexpr qsizetype LargestResult = 32 * 1024 * 1024;
+
 bool isValueElement(QStringView name)
 {
     return std::find(std::begin(ValueElements), std::end(ValueElements), name) != std::end(ValueElements);
@@ -31,6 +35,28 @@ QByteArray contentOf(const QString &path)
     if (path.isEmpty() || !file.open(QIODevice::ReadOnly))
         return {};
     return file.readAll();
+}
+
+// As QString::replace() finds them: without overlaps, and an empty marker before and behind every character.
+qsizetype occurrences(const QString &text, const QString &marker)
+{
+    if (marker.isEmpty())
+        return text.size() + 1;
+    qsizetype count = 0;
+    for (qsizetype at = text.indexOf(marker); at >= 0; at = text.indexOf(marker, at + marker.size()))
+        ++count;
+    return count;
+}
+
+bool staysInBounds(const QString &text, const QString &marker, const QString &value)
+{
+    const qsizetype growth = value.size() - marker.size();
+    if (growth <= 0)
+        return true;
+    const qsizetype room = std::max<qsizetype>(LargestResult - text.size(), 0) / growth;
+    // Counted only where a text full of markers would be too large.
+    const qsizetype most = text.size() / std::max<qsizetype>(marker.size(), 1) + 1;
+    return most <= room || occurrences(text, marker) <= room;
 }
 
 void loadFont(const QString &name)
@@ -62,7 +88,7 @@ QString UtilsStyleSheet::replaceXmlMarkers(const QString &themePath) const
         const bool isFont = theme.name() == FontElement;
         const QString marker = attributes.first().value().toString();
         const QString value = theme.readElementText();
-        if (theme.hasError())
+        if (theme.hasError() || !staysInBounds(result, marker, value))
             break;
         // One after another on the same text: themes rely on values that contain markers of later elements.
         result.replace(marker, value);

@@ -38,6 +38,9 @@ public:
     /// Nothing is reported. A template that cannot be read gives an empty text, with the theme's fonts loaded. A theme
     /// that cannot be read leaves the template as it is; an error in it, a nested element included, leaves the template
     /// unchanged from there on. Elements without an attribute are skipped, markers without an element stay.
+    ///
+    /// A replacement that would make the result longer than 33554432 characters (64 MiB) is not made and ends the fill
+    /// as an error does, so that no theme can use up the memory.
     QString replaceXmlMarkers(const QString &themePath) const;
 
 private:

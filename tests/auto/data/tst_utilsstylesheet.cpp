@@ -26,6 +26,8 @@ private Q_SLOTS:
     void replacementsFollowTheOrderOfTheTheme();
     void anErrorEndsTheReplacements_data();
     void anErrorEndsTheReplacements();
+    void aResultThatGrowsTooLargeEndsTheReplacements_data();
+    void aResultThatGrowsTooLargeEndsTheReplacements();
     void theTemplateIsReadByteForByte_data();
     void theTemplateIsReadByteForByte();
     void theThemeIsReadAsUtf8_data();
@@ -188,6 +190,53 @@ void tst_UtilsStyleSheet::anErrorEndsTheReplacements()
     QFETCH(QByteArray, theme);
     QFETCH(QString, expected);
     QCOMPARE(fill("$a $b $c $d", theme), expected);
+}
+
+void tst_UtilsStyleSheet::aResultThatGrowsTooLargeEndsTheReplacements_data()
+{
+    QTest::addColumn<QByteArray>("styleSheet");
+    QTest::addColumn<QByteArray>("elements");
+    QTest::addColumn<bool>("complete");
+    QTest::addColumn<qsizetype>("size");
+
+    const auto element = [](const QByteArray &marker, const QByteArray &value) {
+        return "<color n='" + marker + "'>" + value + "</color>";
+    };
+    constexpr qsizetype Limit = 32 * 1024 * 1024;
+    constexpr qsizetype Mega = 1024 * 1024;
+    // Every row has one character more, a marker that shows whether the theme was followed to its end.
+    QTest::newRow("as large as may be") << QByteArray(31, 'a') + QByteArray(Mega - 1, '-')
+                                        << element("a", QByteArray(Mega, 'b')) << true << Limit - 1;
+    QTest::newRow("a character more") << QByteArray(31, 'a') + QByteArray(Mega, '-')
+                                      << element("a", QByteArray(Mega, 'b')) << false << 31 + Mega;
+    QTest::newRow("occurrences that overlap")
+        << QByteArray(62, 'a') + QByteArray(Mega - 1, '-') << element("aa", QByteArray(Mega, 'b')) << true << Limit - 1;
+    QTest::newRow("a long template with few markers")
+        << QByteArray(Mega, 'b') + 'a' << element("a", QByteArray(Mega, 'c')) << true << 2 * Mega;
+    QTest::newRow("a value full of its own marker")
+        << QByteArray("a") << element("a", QByteArray(1000, 'a')).repeated(4) << false << qsizetype(1000 * 1000);
+    // With values of v characters, n characters become (n + 1) * v + n.
+    QTest::newRow("markers that are empty") << QByteArray("12345678") << element("", QByteArray(1000, 'b')).repeated(4)
+                                            << false << qsizetype(9 + 10 * 1000) + (9 + 10 * 1000 + 1) * 1000 - 1;
+    QTest::newRow("a larger template without growth")
+        << QByteArray(Limit, 'b') + 'a' << element("a", "c") + element("none", "longer than before") << true
+        << Limit + 1;
+    QTest::newRow("a larger template that grows")
+        << QByteArray(Limit, 'b') + 'a' << element("a", "cc") << false << Limit + 1;
+}
+
+void tst_UtilsStyleSheet::aResultThatGrowsTooLargeEndsTheReplacements()
+{
+    QFETCH(QByteArray, styleSheet);
+    QFETCH(QByteArray, elements);
+    QFETCH(bool, complete);
+    QFETCH(qsizetype, size);
+    const QString result
+        = fill("$" + styleSheet, "<t>" + elements + "<color n='$'/><fontName n='f'>Open Sans</fontName></t>");
+    // As after an error: neither later markers nor later fonts.
+    QCOMPARE(result.contains('$'), !complete);
+    QCOMPARE(result.size(), complete ? size : size + 1);
+    QCOMPARE(QFontDatabase::applicationFontFamilies(0).isEmpty(), !complete);
 }
 
 void tst_UtilsStyleSheet::theTemplateIsReadByteForByte_data()
