@@ -77,7 +77,9 @@ QByteArray UtilsBootloader::getDataBlock(unsigned int offset, int size) const
 {
     if (size <= 0)
         return QByteArray();
-    QByteArray block = imageBuffer.mid(qsizetype(offset), size);
+    QByteArray block;
+    if (offset < unsigned(imageBufferSize)) // as an index of 32 bits, a larger one could be negative
+        block = imageBuffer.mid(qsizetype(offset), size);
     block.append(size - block.size(), ErasedByte);
     return block;
 }
