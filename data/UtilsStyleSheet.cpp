@@ -19,10 +19,6 @@ constexpr QLatin1String FontElement("fontName");
 constexpr QLatin1String ValueElements[] = {QLatin1String("color"), QLatin1String("wallpaper"),
                                            QLatin1String("dimension"), FontElement, QLatin1String("fontSize")};
 
-/// In characters: 64 MiB, far more than any style sheet has. Values that contain markers multiply what is there, so
-/// that a few lines of a theme could ask for more memory than there is.
-constexpr qsizetype LargestResult = 32 * 1024 * 1024;
-
 bool isValueElement(QStringView name)
 {
     return std::find(std::begin(ValueElements), std::end(ValueElements), name) != std::end(ValueElements);
@@ -48,12 +44,13 @@ qsizetype occurrences(const QString &text, const QString &marker)
     return count;
 }
 
+// Values that contain markers multiply what is there: a few lines of a theme could ask for more memory than there is.
 bool staysInBounds(const QString &text, const QString &marker, const QString &value)
 {
     const qsizetype growth = value.size() - marker.size();
     if (growth <= 0)
         return true;
-    const qsizetype room = std::max<qsizetype>(LargestResult - text.size(), 0) / growth;
+    const qsizetype room = std::max<qsizetype>(UtilsStyleSheet::LargestResult - text.size(), 0) / growth;
     // Counted only where a text full of markers would be too large.
     const qsizetype most = text.size() / std::max<qsizetype>(marker.size(), 1) + 1;
     return most <= room || occurrences(text, marker) <= room;

@@ -23,6 +23,9 @@
 class UNIPROGUTILS_EXPORT UtilsStyleSheet
 {
 public:
+    /// The length in characters up to which a result grows (64 MiB of memory, far more than any style sheet has).
+    static constexpr qsizetype LargestResult = 32 * 1024 * 1024;
+
     /// Remembers the path of the template; nothing is read yet.
     explicit UtilsStyleSheet(const QString &styleSheetPath);
 
@@ -39,8 +42,8 @@ public:
     /// that cannot be read leaves the template as it is; an error in it, a nested element included, leaves the template
     /// unchanged from there on. Elements without an attribute are skipped, markers without an element stay.
     ///
-    /// A replacement that would make the result longer than 33554432 characters (64 MiB) is not made and ends the fill
-    /// as an error does, so that no theme can use up the memory.
+    /// A replacement that would make the result grow beyond LargestResult is not made and ends the fill as an error
+    /// does, so that no theme can use up the memory.
     QString replaceXmlMarkers(const QString &themePath) const;
 
 private:

@@ -7,6 +7,8 @@
 #include <QSet>
 #include <QXmlStreamReader>
 
+#include <algorithm>
+
 namespace {
 
 const QStringList ValueElements{"color", "wallpaper", "dimension", "fontName", "fontSize"};
@@ -56,8 +58,11 @@ bool ThemeChecker::check(const QString &themePath, QString *errorString)
     m_text = m_template;
     m_values.clear();
     readValues(QString::fromUtf8(content));
-    for (qsizetype i = 0; i < m_values.size(); ++i)
+    for (qsizetype i = 0; i < m_values.size(); ++i) {
+        if (growsTooLarge(m_values.at(i)))
+            break;
         checkValue(i);
+    }
     checkMarkersLeft();
     return true;
 }
@@ -97,6 +102,20 @@ void ThemeChecker::readValues(const QString &theme)
 QString ThemeChecker::named(const Value &value)
 {
     return quoted(value.marker) + " (line " + QString::number(value.line) + ')';
+}
+
+// UtilsStyleSheet stops there. An empty marker is reported as what it is.
+bool ThemeChecker::growsTooLarge(const Value &value)
+{
+    const qsizetype growth = value.text.size() - value.marker.size();
+    if (value.marker.isEmpty() || growth <= 0)
+        return false;
+    const qsizetype room = std::max<qsizetype>(UtilsStyleSheet::LargestResult - m_text.size(), 0);
+    if (m_text.count(value.marker) <= room / growth)
+        return false;
+    report(Finding::Error, value.line,
+           "with " + quoted(value.marker) + " the style sheet grows too large. Nothing is filled in from here on");
+    return true;
 }
 
 // Fills in one value, as UtilsStyleSheet does, and says what went wrong with it.

@@ -44,6 +44,7 @@ private:
 
     static QString named(const Value &value);
     void readValues(const QString &theme);
+    bool growsTooLarge(const Value &value);
     void checkValue(qsizetype index);
     bool isBrokenByEarlierMarker(qsizetype index);
     void checkNeighbours(qsizetype index);

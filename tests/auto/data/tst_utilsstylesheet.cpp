@@ -202,7 +202,7 @@ void tst_UtilsStyleSheet::aResultThatGrowsTooLargeEndsTheReplacements_data()
     const auto element = [](const QByteArray &marker, const QByteArray &value) {
         return "<color n='" + marker + "'>" + value + "</color>";
     };
-    constexpr qsizetype Limit = 32 * 1024 * 1024;
+    constexpr qsizetype Limit = UtilsStyleSheet::LargestResult;
     constexpr qsizetype Mega = 1024 * 1024;
     // Every row has one character more, a marker that shows whether the theme was followed to its end.
     QTest::newRow("as large as may be") << QByteArray(31, 'a') + QByteArray(Mega - 1, '-')

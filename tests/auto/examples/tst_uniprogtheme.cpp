@@ -12,6 +12,7 @@ class tst_UniProgTheme : public UniProgTest
 private Q_SLOTS:
     void findingsAreReported_data();
     void findingsAreReported();
+    void aThemeThatGrowsTooLargeIsAnError();
     void warningsFailOnlyWhenStrict();
     void everyThemeIsChecked();
     void fontsAreFoundInFolders();
@@ -104,6 +105,19 @@ void tst_UniProgTheme::findingsAreReported()
     write("t.xml", "<theme>\n" + elements + "\n</theme>\n");
     QCOMPARE(run({"t.qss", "t.xml"}), status);
     QCOMPARE(out, expected);
+}
+
+void tst_UniProgTheme::aThemeThatGrowsTooLargeIsAnError()
+{
+    const auto element = [](char marker, char value) {
+        return QByteArray("<color n='") + marker + "'>" + QByteArray(5000, value) + "</color>\n";
+    };
+    write("t.qss", "1");
+    write("t.xml", "<theme>\n" + element('1', '2') + element('2', '3') + element('3', '4') + "</theme>\n");
+    QCOMPARE(run({"t.qss", "t.xml"}), 1);
+    QCOMPARE(
+        (out.split('\n').filter("error")),
+        QStringList("t.xml:4: error: with \"3\" the style sheet grows too large. Nothing is filled in from here on"));
 }
 
 void tst_UniProgTheme::warningsFailOnlyWhenStrict()
