@@ -38,7 +38,8 @@ Finding makeImage(const QString &payload, const QString &version, const QString 
     if (payload.isEmpty() || !source.open(QIODevice::ReadOnly))
         return {Cause::CannotRead, payload.isEmpty() ? "no file name" : payload + ": " + source.errorString()};
     if (source.size() > LargestPayload)
-        return {Cause::PayloadTooLarge, QStringLiteral("%1: larger than %2 bytes").arg(payload).arg(LargestPayload)};
+        return {Cause::PayloadTooLarge,
+                QStringLiteral("%1: larger than %2 bytes").arg(payload, QString::number(LargestPayload))};
     const qint64 size = source.size();
     const QByteArray content = source.read(size);
     if (content.size() != size)

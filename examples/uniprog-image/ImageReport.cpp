@@ -184,14 +184,16 @@ qint64 ImageReport::versionLength() const
     return firstLengthByte();
 }
 
-qint64 ImageReport::payloadOffset() const
-{
-    return std::min(HeaderSize + std::max<qint64>(versionLength(), 0), fileSize);
-}
-
 qint64 ImageReport::payloadSize() const
 {
-    return fileSize - payloadOffset();
+    if (reader == PowerModuleUpdate)
+        return std::max<qint64>(fileSize - HeaderSize - versionLength(), 0);
+    return image.getImageBufferSize();
+}
+
+qint64 ImageReport::payloadOffset() const
+{
+    return fileSize - payloadSize();
 }
 
 qint64 ImageReport::sectors() const

@@ -37,8 +37,8 @@ private:
 
     int firstLengthByte() const;
     qint64 versionLength() const;
-    qint64 payloadOffset() const;
     qint64 payloadSize() const;
+    qint64 payloadOffset() const;
     qint64 sectors() const;
     QString version() const;
     QString powerModuleVerdict() const;

@@ -350,7 +350,7 @@ void tst_UniProgImage::filesThatCannotBeReadAreNamed()
 
 void tst_UniProgImage::aFileOfMoreThanTwoGigabytesIsNotLoaded()
 {
-    const QString path = write("image.bin", imageBytes(1, 2, "v1"));
+    const QString path = write("%1 %2 image.bin", imageBytes(1, 2, "v1"));
     if (!QFile::resize(path, qint64(INT_MAX) + 8 + 2 + 1)) // takes no room on a file system with sparse files
         QSKIP("The file system has no room for a file of this size.");
     for (const QStringList &options : {QStringList{"info"}, QStringList{"info", "--power"}}) {
@@ -360,6 +360,7 @@ void tst_UniProgImage::aFileOfMoreThanTwoGigabytesIsNotLoaded()
     }
     const QString made = folder->filePath("made.bin");
     QCOMPARE(run({"make", "--payload", path, "--version", "1", "--output", made}, &out, &err), 7);
+    QCOMPARE(err, "uniprog-image: error: " + path + ": larger than 2147483647 bytes\n");
     QVERIFY(!QFile::exists(made));
 }
 
