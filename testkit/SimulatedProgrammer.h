@@ -169,6 +169,9 @@ public:
     static constexpr quint32 PowerBootloaderStart = 0x10008000;
     static constexpr int PowerChannelCount = 16;
     static constexpr int SupplyChannel = 13; ///< the channel of the target's supply pin
+    /// Milliseconds of real time between two progress signals of an operation: a progress bar that plays each step
+    /// for that long keeps up with them.
+    static constexpr int ProgressIntervalMs = 100;
 
     /// Plugged in, disconnected, with a blank target that runs and is supplied with 3.3 V by the programmer.
     explicit SimulatedProgrammer(QObject *parent = nullptr);
@@ -324,7 +327,8 @@ public:
 
 Q_SIGNALS:
     /// Progress of writing, reading, verifying, checking and erasing sectors: rising from 0 to 100, each number at most
-    /// once. The mass erase is one command of the chip and reports none.
+    /// once. The mass erase is one command of the chip and reports none. Between two of an operation are at least
+    /// ProgressIntervalMs, except before 100; with a time scale of 0 no number is left out.
     void SignalUpdateProgress(int percent);
 
 public:

@@ -1,5 +1,11 @@
 #include "simulatedprogrammer_p.h"
 
+namespace {
+
+constexpr int FullProgress = 100; // per cent
+
+} // namespace
+
 SimulatedProgrammer::State::Call::Call(State &state, Operation op)
     : s(state)
     , operation(op)
@@ -148,9 +154,14 @@ void SimulatedProgrammer::State::Call::startAt(int block, qint64 bytes)
 
 void SimulatedProgrammer::State::Call::reportProgress(qint64 done, qint64 total)
 {
-    const int percent = total > 0 ? int(done * 100 / total) : 100;
+    const int percent = total > 0 ? int(done * FullProgress / total) : FullProgress;
     if (percent <= progress)
         return;
+    // Without any waiting there is no time to space them by, and every number is told, so that runs are alike.
+    const auto now = Clock::now();
+    if (s.timeScale > 0 && percent < FullProgress && now < nextProgress)
+        return;
+    nextProgress = now + std::chrono::milliseconds(ProgressIntervalMs);
     progress = percent;
     lock.unlock();
     Q_EMIT s.q->SignalUpdateProgress(percent);

@@ -201,6 +201,7 @@ private:
     int blocks = 0;
     qint64 bytesDone = 0;
     int progress = -1;
+    Clock::time_point nextProgress; ///< earliest time of the next progress signal
     Clock::time_point due; ///< when the simulated time so far is over
 };
 
