@@ -4,8 +4,10 @@
 #include "HeadlessRun.h"
 
 #include <QCommandLineParser>
+#include <QFile>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -25,12 +27,39 @@ const QString SpeedOption = QStringLiteral("speed");
 const QString ThemeOption = QStringLiteral("theme");
 const QString PicturesOption = QStringLiteral("pictures");
 const QString TimeoutOption = QStringLiteral("timeout");
+const QString WiFiOption = QStringLiteral("wifi");
+const QString PasswordFileOption = QStringLiteral("password-file");
+const QString DevicePasswordFileOption = QStringLiteral("device-password-file");
+const QString NoDriverOption = QStringLiteral("no-driver");
+
+constexpr char PasswordVariable[] = "UNIPROG_WIFI_PASSWORD";
+constexpr qint64 LongestPassword = 256; // bytes
+
+/// Operations that belong together under one name.
+struct Sequence
+{
+    const char *name;
+    QList<ProgrammerSession::Operation> operations;
+};
+
+const QList<Sequence> &sequences()
+{
+    using Operation = ProgrammerSession::Operation;
+    static const QList<Sequence> all{
+        {"update-device", {Operation::EnterBootloader, Operation::WriteDeviceFirmware, Operation::ExitBootloader}},
+        {"update-power",
+         {Operation::ActivatePowerBootloader, Operation::ShowPowerBootloader, Operation::WritePowerFirmware}},
+    };
+    return all;
+}
 
 QStringList operationNames()
 {
     QStringList names;
     for (const ProgrammerSession::Description &description : ProgrammerSession::descriptions())
         names.append(QString::fromLatin1(description.name));
+    for (const Sequence &sequence : sequences())
+        names.append(QString::fromLatin1(sequence.name));
     return names;
 }
 
@@ -49,7 +78,9 @@ void describeOptions(QCommandLineParser *parser)
          QStringLiteral("Run OPERATION: %1. May be given several times; a failure ends the sequence.")
              .arg(operationNames().join(QStringLiteral(", "))),
          QStringLiteral("OPERATION")},
-        {ImageOption, QStringLiteral("The firmware image: a .bin, .hex or .s19 file."), QStringLiteral("FILE")},
+        {ImageOption,
+         QStringLiteral("The firmware image: a .bin, .hex or .s19 file; for update-device a firmware of the device."),
+         QStringLiteral("FILE")},
         {BaseOption, QStringLiteral("Where a .bin image starts. 0 by default; 0x for hexadecimal."),
          QStringLiteral("ADDRESS")},
         {OutputOption, QStringLiteral("Store what the operation read finds in FILE (.hex, .s19 or .bin)."),
@@ -67,6 +98,16 @@ void describeOptions(QCommandLineParser *parser)
          QStringLiteral("Let something fail, for example device-connect=38 or write@block=3. Names: %1.")
              .arg(SimulatedProgrammer::faultNames().join(QStringLiteral(", "))),
          QStringLiteral("FAULT")},
+        {WiFiOption, QStringLiteral("Reach the device by WiFi.")},
+        {PasswordFileOption,
+         QStringLiteral("When a WiFi link asks for its password, answer with the first line of FILE and try again; "
+                        "without it, with the environment variable %1, or cancel.")
+             .arg(QLatin1String(PasswordVariable)),
+         QStringLiteral("FILE")},
+        {DevicePasswordFileOption,
+         QStringLiteral("Let the WiFi links of the simulated device demand the first line of FILE."),
+         QStringLiteral("FILE")},
+        {NoDriverOption, QStringLiteral("Run as where the driver of the programmer is missing.")},
         {SpeedOption, QStringLiteral("Run X times as fast as a real programmer; 0 never waits. 1 by default."),
          QStringLiteral("X")},
         {ThemeOption,
@@ -103,7 +144,11 @@ bool readOperations(const QStringList &texts, QList<ProgrammerSession::Operation
                          .arg(text, names.join(QStringLiteral(", ")));
             return false;
         }
-        operations->append(ProgrammerSession::descriptions().at(index).operation);
+        const qsizetype count = ProgrammerSession::descriptions().size();
+        if (index < count)
+            operations->append(ProgrammerSession::descriptions().at(index).operation);
+        else
+            operations->append(sequences().at(index - count).operations);
     }
     return true;
 }
@@ -135,21 +180,65 @@ bool readNumbers(const QCommandLineParser &parser, CommandLine *commandLine, QSt
     return true;
 }
 
-bool checkFiles(const CommandLine &commandLine, QString *error)
+/// Whether one of the operations needs an image for that subject.
+bool needsImage(const CommandLine &commandLine, ProgrammerSession::Subject subject)
 {
-    using Operation = ProgrammerSession::Operation;
-    const auto &operations = commandLine.operations;
-    const auto needsImage = [](Operation operation) { return ProgrammerSession::describe(operation).needsImage; };
-    if (commandLine.image.isEmpty()
-        && (commandLine.compare || std::any_of(operations.cbegin(), operations.cend(), needsImage))) {
+    return std::any_of(commandLine.operations.cbegin(), commandLine.operations.cend(),
+                       [=](ProgrammerSession::Operation operation) {
+                           const ProgrammerSession::Description &description = ProgrammerSession::describe(operation);
+                           return description.needsImage && description.subject == subject;
+                       });
+}
+
+bool checkFiles(CommandLine *commandLine, QString *error)
+{
+    using Subject = ProgrammerSession::Subject;
+    const bool forDevice = needsImage(*commandLine, Subject::Device);
+    const bool forTarget = needsImage(*commandLine, Subject::Target) || commandLine->compare;
+    if (commandLine->image.isEmpty() && (forDevice || forTarget)) {
         *error = QStringLiteral("Please choose an image with --image FILE.");
         return false;
     }
-    if (!commandLine.output.isEmpty() && !operations.contains(Operation::Read)) {
-        *error = QStringLiteral("There is nothing to store in %1 without --operation read.").arg(commandLine.output);
+    if (forDevice && forTarget) {
+        *error = QStringLiteral("One image is not for the target and the device: run the program twice.");
+        return false;
+    }
+    if (forDevice)
+        commandLine->deviceImage = std::exchange(commandLine->image, QString());
+    if (!commandLine->output.isEmpty() && !commandLine->operations.contains(ProgrammerSession::Operation::Read)) {
+        *error = QStringLiteral("There is nothing to store in %1 without --operation read.").arg(commandLine->output);
         return false;
     }
     return true;
+}
+
+/// Passwords come in files: a command line is there for everybody on the machine to read.
+bool readPasswordFile(const QString &path, QString *password, QString *error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        *error = QStringLiteral("The password file %1 cannot be read.").arg(path);
+        return false;
+    }
+    QByteArray line = file.readLine(LongestPassword);
+    if (line.endsWith('\n'))
+        line.chop(1);
+    *password = QString::fromUtf8(line);
+    return true;
+}
+
+bool readPasswords(const QCommandLineParser &parser, CommandLine *commandLine, QString *error)
+{
+    if (parser.isSet(PasswordFileOption)) {
+        if (!readPasswordFile(parser.value(PasswordFileOption), &commandLine->password, error))
+            return false;
+        commandLine->hasPassword = true;
+    } else if (qEnvironmentVariableIsSet(PasswordVariable)) {
+        commandLine->password = qEnvironmentVariable(PasswordVariable);
+        commandLine->hasPassword = true;
+    }
+    return !parser.isSet(DevicePasswordFileOption)
+        || readPasswordFile(parser.value(DevicePasswordFileOption), &commandLine->devicePassword, error);
 }
 
 } // namespace
@@ -175,6 +264,8 @@ bool readCommandLine(const QStringList &arguments, CommandLine *commandLine, QSt
     commandLine->image = parser.value(ImageOption);
     commandLine->output = parser.value(OutputOption);
     commandLine->compare = parser.isSet(CompareOption);
+    commandLine->hasDriver = !parser.isSet(NoDriverOption);
+    commandLine->overWiFi = parser.isSet(WiFiOption);
     commandLine->faults = parser.values(FaultOption);
     commandLine->theme = parser.value(ThemeOption);
     if (!Appearance::themes().contains(commandLine->theme)) {
@@ -188,12 +279,21 @@ bool readCommandLine(const QStringList &arguments, CommandLine *commandLine, QSt
     return readOperations(parser.values(OperationOption), &commandLine->operations, error)
         && readNumberedValues(parser.values(TargetOption), &commandLine->operationOptions, error)
         && readNumberedValues(parser.values(ConnectionOption), &commandLine->connectionOptions, error)
-        && readNumbers(parser, commandLine, error) && checkFiles(*commandLine, error);
+        && readNumbers(parser, commandLine, error) && readPasswords(parser, commandLine, error)
+        && checkFiles(commandLine, error);
 }
 
 bool applySettings(const CommandLine &commandLine, ProgrammerSession *session, QString *error)
 {
     session->programmer().setTimeScale(commandLine.speed == 0 ? 0 : 1 / commandLine.speed);
+    if (!commandLine.devicePassword.isEmpty()) {
+        session->programmer().setWiFiPassword(OPERATION_TYPE_CONFIGURATION, commandLine.devicePassword);
+        session->programmer().setWiFiPassword(OPERATION_TYPE_DEBUG, commandLine.devicePassword);
+    }
+    if (commandLine.overWiFi && !session->selectLink(TSelectedDevice::WiFi)) {
+        *error = QStringLiteral("There is no WiFi device.");
+        return false;
+    }
     for (const auto &[number, value] : commandLine.operationOptions)
         session->operationOptions().setIntValue(number, value);
     for (const auto &[number, value] : commandLine.connectionOptions)

@@ -13,12 +13,18 @@ struct CommandLine
 {
     QList<ProgrammerSession::Operation> operations; ///< one after another; headless only
     QString image;
+    QString deviceImage; ///< the same file, when it is for the device itself
     quint32 binaryBase = 0;
     QString output; ///< file for what is read
     bool compare = false;
     QList<QPair<int, int>> operationOptions; ///< number and value
     QList<QPair<int, int>> connectionOptions;
     QStringList faults;
+    bool hasDriver = true;
+    bool overWiFi = false;
+    bool hasPassword = false;
+    QString password; ///< for the password dialog; secret: never log it
+    QString devicePassword; ///< what the simulated device demands; secret, too
     double speed = 1.0; ///< times as fast as a real programmer; 0: without any waiting
     QString theme; ///< one of Appearance::themes()
     QString pictures; ///< folder

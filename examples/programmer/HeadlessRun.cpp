@@ -3,11 +3,13 @@
 #include "FirmwareFile.h"
 #include "MainWindow.h"
 
+#include <UtilsDialog.h>
 #include <UtilsDialogProcessing.h>
 #include <UtilsProgressBar.h>
 
 #include <QApplication>
 #include <QDir>
+#include <QLineEdit>
 #include <QPainter>
 #include <QToolButton>
 
@@ -98,7 +100,8 @@ int HeadlessRun::exec()
 void HeadlessRun::startNext()
 {
     if (exitCode == 0 && !waiting.isEmpty()) {
-        const ProgrammerSession::Description &next = ProgrammerSession::describe(waiting.takeFirst());
+        currentOperation = waiting.takeFirst();
+        const ProgrammerSession::Description &next = ProgrammerSession::describe(currentOperation);
         currentName = QString::fromLatin1(next.name);
         isComplete = false;
         hasProgressPicture = false;
@@ -142,6 +145,12 @@ void HeadlessRun::completed(ProgrammerSession::Operation operation, int status, 
     if (!message.isEmpty())
         result += QStringLiteral(": %1").arg(QString(message).replace(u'\n', QStringLiteral("\\n")));
     print(result);
+    if (status == 0 && operation == ProgrammerSession::Operation::EnterBootloader)
+        print(QStringLiteral("Bootloader of device 0x%1, sectors of %2 bytes.")
+                  .arg(session->bootloaderDeviceId(), 4, 16, QLatin1Char('0'))
+                  .arg(session->bootloaderSectorSize()));
+    if (status == 0)
+        isSecondTry = false; // a later failure asks for a password of its own
     if (status != 0)
         exitCode = status > 0 && status <= LargestStatus ? status : int(StatusOutOfRange);
     else if (operation == ProgrammerSession::Operation::Read && !commandLine.output.isEmpty() && !storeContents())
@@ -154,11 +163,8 @@ void HeadlessRun::closeDialog()
 {
     if (!dialog) {
         closeTimer.stop();
-        QTimer::singleShot(exitCode == 0 || commandLine.pictures.isEmpty() ? 0 : FadeTime, this, [this] {
-            if (exitCode != 0)
-                savePicture(QStringLiteral("explanation"));
-            startNext();
-        });
+        QTimer::singleShot(exitCode == 0 || commandLine.pictures.isEmpty() ? 0 : FadeTime, this,
+                           &HeadlessRun::answerExplanation);
         return;
     }
     auto *button = dialog->findChild<QToolButton *>(QStringLiteral("toolButton"));
@@ -166,6 +172,30 @@ void HeadlessRun::closeDialog()
         savePicture(QStringLiteral("result"));
         button->click();
     }
+}
+
+/// Answers the dialog after a failure as a user would: the password, if one is asked for and known, and another try;
+/// else the dialog is dismissed.
+void HeadlessRun::answerExplanation()
+{
+    if (exitCode != 0)
+        savePicture(isSecondTry ? QStringLiteral("refused") : QStringLiteral("explanation"));
+    auto *question = window->findChild<UtilsDialog *>();
+    if (question && question->findChild<QLineEdit *>()) {
+        if (commandLine.hasPassword && !isSecondTry) {
+            print(QStringLiteral("The password dialog gets the password of the link; trying again."));
+            question->setLineEditText(commandLine.password);
+            savePicture(QStringLiteral("password"));
+            question->getAcceptButton()->click();
+            isSecondTry = true;
+            exitCode = 0;
+            waiting.prepend(currentOperation);
+        } else {
+            print(QStringLiteral("The password dialog is cancelled."));
+            question->getCancelButton()->click();
+        }
+    }
+    startNext();
 }
 
 bool HeadlessRun::storeContents()

@@ -41,6 +41,7 @@ private:
     void barMoved(int percent);
     void completed(ProgrammerSession::Operation operation, int status, const QString &message);
     void closeDialog();
+    void answerExplanation();
     bool storeContents();
     int compare() const;
     void savePicture(const QString &moment);
@@ -53,7 +54,9 @@ private:
     QElapsedTimer clock;
     QTimer closeTimer;
     QString currentName;
+    ProgrammerSession::Operation currentOperation = ProgrammerSession::Operation::Detect;
     bool isComplete = false;
+    bool isSecondTry = false; ///< the password of the link has been given
     bool hasProgressPicture = false; ///< of the current operation
     int exitCode = 0;
 };

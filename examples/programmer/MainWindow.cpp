@@ -1,11 +1,15 @@
 #include "MainWindow.h"
 
+#include "DeviceFirmwarePage.h"
 #include "FaultPanel.h"
 #include "FirmwareFile.h"
+#include "OperationButtons.h"
+#include "PowerModulePage.h"
 
 #include <UtilsDialogProcessing.h>
 #include <UtilsMisc.h>
 #include <UtilsSingleInstance.h>
+#include <UtilsTabWidget.h>
 #include <UtilsUniProgStatus.h>
 
 #include <QCheckBox>
@@ -24,7 +28,6 @@
 namespace {
 
 constexpr QSize InitialSize(820, 540);
-constexpr int ButtonHeight = 34;
 constexpr int HexadecimalBase = 16;
 constexpr int AddressDigits = 8;
 constexpr int RangesShown = 3;
@@ -42,7 +45,7 @@ MainWindow::MainWindow(ProgrammerSession *programmerSession, QWidget *parent)
     : QMainWindow(parent)
     , session(programmerSession)
     , explanation(new UtilsUniProgStatus(
-          &programmerSession->programmer(),
+          programmerSession->driver(),
           UtilsUniProgStatus::STATUS_FLAG_AUTHENTICATION | UtilsUniProgStatus::STATUS_FLAG_ERROR, this))
 {
     setupForm();
@@ -64,6 +67,8 @@ UtilsDialogProcessing *MainWindow::run(ProgrammerSession::Operation operation)
     if (!session->canStart(operation))
         return nullptr;
 
+    const ProgrammerSession::Subject subject = ProgrammerSession::describe(operation).subject;
+    pages->setCurrentIndex(int(subject)); // the pages have the order of the subjects
     dialog = new UtilsDialogProcessing(this, &autoClose);
     dialog->setMessage(tr(ProgrammerSession::describe(operation).message));
     const UtilsUniProgThread &thread = session->thread();
@@ -86,19 +91,50 @@ void MainWindow::setupForm()
 
     auto *central = new QWidget(this);
     central->setObjectName(QStringLiteral("central"));
-    auto *layout = new QGridLayout(central);
-    layout->addWidget(createImageGroup(), 0, 0, 1, 2);
-    layout->addWidget(createOptionsGroup(), 1, 0);
-    layout->addWidget(new FaultPanel(session, central), 1, 1);
-    layout->addWidget(createOperationButtons(), 2, 0, 1, 2);
+    auto *layout = new QVBoxLayout(central);
+    pages = new UtilsTabWidget(central);
+    addPages();
+    layout->addWidget(pages, 1);
     resultLabel = new QLabel(central);
     resultLabel->setObjectName(QStringLiteral("result"));
     resultLabel->setWordWrap(true);
-    layout->addWidget(resultLabel, 3, 0, 1, 2);
+    layout->addWidget(resultLabel);
+    setCentralWidget(central);
+}
+
+void MainWindow::addPages()
+{
+    auto *device = new DeviceFirmwarePage(session, pages);
+    auto *power = new PowerModulePage(session, pages);
+    connect(device, &DeviceFirmwarePage::requested, this, &MainWindow::run);
+    connect(device, &DeviceFirmwarePage::failed, this,
+            [this](const QString &message) { showOutcome(message, LOGGER_MESSAGE_ERROR); });
+    connect(power, &PowerModulePage::requested, this, &MainWindow::run);
+    pages->addTab(createTargetPage(), tr("Target"));
+    pages->addTab(device, tr("Device firmware"));
+    pages->addTab(power, tr("Power module"));
+    pages->setCurrentIndex(0);
+    operationButtons = pages->findChildren<OperationButtons *>();
+}
+
+QWidget *MainWindow::createTargetPage()
+{
+    auto *page = new QWidget;
+    page->setObjectName(QStringLiteral("targetPage"));
+    auto *layout = new QGridLayout(page);
+    layout->addWidget(createImageGroup(), 0, 0, 1, 2);
+    layout->addWidget(createOptionsGroup(), 1, 0);
+    layout->addWidget(new FaultPanel(session, page), 1, 1);
+    auto *buttons = new OperationButtons(session, ProgrammerSession::Subject::Target, page);
+    connect(buttons, &OperationButtons::requested, this, &MainWindow::run);
+    saveButton = buttons->addButton(QStringLiteral("save"), tr("Save..."));
+    saveButton->setToolTip(tr("Stores what was read last in a file"));
+    connect(saveButton, &QToolButton::clicked, this, &MainWindow::saveContents);
+    layout->addWidget(buttons, 2, 0, 1, 2);
     layout->setRowStretch(1, 1);
     layout->setColumnStretch(0, 1);
     layout->setColumnStretch(1, 1);
-    setCentralWidget(central);
+    return page;
 }
 
 QGroupBox *MainWindow::createImageGroup()
@@ -176,33 +212,6 @@ QCheckBox *MainWindow::createOption(const QString &name, const QString &text, Ta
     return box;
 }
 
-QWidget *MainWindow::createOperationButtons()
-{
-    auto *row = new QWidget;
-    auto *layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
-    const auto addButton = [&](const QString &name, const QString &text) {
-        auto *button = new QToolButton;
-        button->setObjectName(name);
-        button->setText(text);
-        button->setMinimumHeight(ButtonHeight);
-        button->setFocusPolicy(Qt::StrongFocus);
-        button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-        layout->addWidget(button);
-        return button;
-    };
-    for (const ProgrammerSession::Description &description : ProgrammerSession::descriptions()) {
-        QToolButton *button = addButton(QString::fromLatin1(description.name), tr(description.caption));
-        const ProgrammerSession::Operation operation = description.operation;
-        connect(button, &QToolButton::clicked, this, [this, operation] { run(operation); });
-        operationButtons.append(button);
-    }
-    saveButton = addButton(QStringLiteral("save"), tr("Save..."));
-    saveButton->setToolTip(tr("Stores what was read last in a file"));
-    connect(saveButton, &QToolButton::clicked, this, &MainWindow::saveContents);
-    return row;
-}
-
 void MainWindow::chooseImage()
 {
     const QString path = QFileDialog::getOpenFileName(this, tr("Firmware image"), session->imagePath(),
@@ -260,9 +269,8 @@ void MainWindow::showImage()
 
 void MainWindow::updateButtons()
 {
-    const QList<ProgrammerSession::Description> &descriptions = ProgrammerSession::descriptions();
-    for (qsizetype i = 0; i < operationButtons.size(); ++i)
-        operationButtons.at(i)->setEnabled(session->canStart(descriptions.at(i).operation));
+    for (OperationButtons *buttons : std::as_const(operationButtons))
+        buttons->refresh();
     saveButton->setEnabled(!session->isRunning() && !session->contents().isEmpty());
 }
 

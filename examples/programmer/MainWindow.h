@@ -13,10 +13,13 @@ class QGroupBox;
 class QLabel;
 class QLineEdit;
 class QToolButton;
+class OperationButtons;
+class UtilsTabWidget;
 class UtilsDialogProcessing;
 class UtilsUniProgStatus;
 
-/// The window of the example: the image, the options, one button an operation, and the faults. It shows the session and
+/// The window of the example: a page for the target, one for the firmware of the device and one for the firmware of the
+/// power module. It shows the session and
 /// keeps nothing of its own but whether dialogs close by themselves.
 class MainWindow : public QMainWindow
 {
@@ -37,7 +40,8 @@ private:
     void setupForm();
     QGroupBox *createImageGroup();
     QGroupBox *createOptionsGroup();
-    QWidget *createOperationButtons();
+    QWidget *createTargetPage();
+    void addPages();
     QCheckBox *createOption(const QString &name, const QString &text, TargetOptions *options, int option);
 
     void chooseImage();
@@ -60,7 +64,8 @@ private:
     QLineEdit *baseEdit = nullptr;
     QLabel *imageLabel = nullptr;
     QCheckBox *autoCloseBox = nullptr;
-    QList<QToolButton *> operationButtons; ///< in the order of ProgrammerSession::descriptions()
+    UtilsTabWidget *pages = nullptr;
+    QList<OperationButtons *> operationButtons;
     QToolButton *saveButton = nullptr;
     QLabel *resultLabel = nullptr;
 };

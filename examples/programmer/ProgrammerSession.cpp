@@ -2,25 +2,52 @@
 
 #include "FirmwareFile.h"
 
+#include <UtilsBootloader.h>
+
+#include <QtEndian>
+
 #include <algorithm>
+
+namespace {
+
+/// What the bootloader says of itself, little-endian: device id (4 bytes), version (2) and sector size (2).
+constexpr qsizetype DeviceIdOffset = 0;
+constexpr qsizetype SectorSizeOffset = 6;
+constexpr qsizetype InfoSize = 8;
+
+} // namespace
 
 const QList<ProgrammerSession::Description> &ProgrammerSession::descriptions()
 {
     static const QList<Description> all{
         {Operation::Write, "write", QT_TRANSLATE_NOOP("MainWindow", "Write"),
-         QT_TRANSLATE_NOOP("MainWindow", "Writing the image to the target"), true},
+         QT_TRANSLATE_NOOP("MainWindow", "Writing the image to the target"), Subject::Target, true},
         {Operation::Read, "read", QT_TRANSLATE_NOOP("MainWindow", "Read"),
-         QT_TRANSLATE_NOOP("MainWindow", "Reading the target"), false},
+         QT_TRANSLATE_NOOP("MainWindow", "Reading the target"), Subject::Target, false},
         {Operation::Verify, "verify", QT_TRANSLATE_NOOP("MainWindow", "Verify"),
-         QT_TRANSLATE_NOOP("MainWindow", "Comparing the target with the image"), true},
+         QT_TRANSLATE_NOOP("MainWindow", "Comparing the target with the image"), Subject::Target, true},
         {Operation::BlankCheck, "blank", QT_TRANSLATE_NOOP("MainWindow", "Blank check"),
-         QT_TRANSLATE_NOOP("MainWindow", "Looking for data in the target"), false},
+         QT_TRANSLATE_NOOP("MainWindow", "Looking for data in the target"), Subject::Target, false},
         {Operation::Detect, "detect", QT_TRANSLATE_NOOP("MainWindow", "Detect"),
-         QT_TRANSLATE_NOOP("MainWindow", "Looking for the target"), false},
+         QT_TRANSLATE_NOOP("MainWindow", "Looking for the target"), Subject::Target, false},
         {Operation::Erase, "erase", QT_TRANSLATE_NOOP("MainWindow", "Erase"),
-         QT_TRANSLATE_NOOP("MainWindow", "Erasing the target"), false},
+         QT_TRANSLATE_NOOP("MainWindow", "Erasing the target"), Subject::Target, false},
         {Operation::Reset, "reset", QT_TRANSLATE_NOOP("MainWindow", "Reset"),
-         QT_TRANSLATE_NOOP("MainWindow", "Resetting the target"), false},
+         QT_TRANSLATE_NOOP("MainWindow", "Resetting the target"), Subject::Target, false},
+        {Operation::EnterBootloader, "bootloader-enter", QT_TRANSLATE_NOOP("MainWindow", "Enter bootloader"),
+         QT_TRANSLATE_NOOP("MainWindow", "Starting the bootloader of the device"), Subject::Device, false},
+        {Operation::WriteDeviceFirmware, "bootloader-write", QT_TRANSLATE_NOOP("MainWindow", "Write firmware"),
+         QT_TRANSLATE_NOOP("MainWindow", "Writing the firmware of the device"), Subject::Device, true},
+        {Operation::ExitBootloader, "bootloader-exit", QT_TRANSLATE_NOOP("MainWindow", "Exit bootloader"),
+         QT_TRANSLATE_NOOP("MainWindow", "Starting the firmware of the device"), Subject::Device, false},
+        {Operation::ActivatePowerBootloader, "power-activate", QT_TRANSLATE_NOOP("MainWindow", "Activate bootloader"),
+         QT_TRANSLATE_NOOP("MainWindow", "Starting the bootloader of the power module"), Subject::PowerModule, false},
+        {Operation::ShowPowerBootloader, "power-info", QT_TRANSLATE_NOOP("MainWindow", "Check bootloader"),
+         QT_TRANSLATE_NOOP("MainWindow", "Asking the bootloader of the power module"), Subject::PowerModule, false},
+        {Operation::WritePowerFirmware, "power-write", QT_TRANSLATE_NOOP("MainWindow", "Write and reset"),
+         QT_TRANSLATE_NOOP("MainWindow", "Writing the firmware of the power module"), Subject::PowerModule, false},
+        {Operation::ResetPowerModule, "power-reset", QT_TRANSLATE_NOOP("MainWindow", "Reset module"),
+         QT_TRANSLATE_NOOP("MainWindow", "Resetting the power module"), Subject::PowerModule, false},
     };
     return all;
 }
@@ -31,9 +58,11 @@ const ProgrammerSession::Description &ProgrammerSession::describe(Operation oper
     return *std::find_if(all.cbegin(), all.cend(), [=](const Description &d) { return d.operation == operation; });
 }
 
-ProgrammerSession::ProgrammerSession(QObject *parent)
+ProgrammerSession::ProgrammerSession(Driver kind, QObject *parent)
     : QObject(parent)
-    , operationThread(&device, nullptr)
+    , driverKind(kind)
+    , selectedDevice(device.devices().constFirst())
+    , operationThread(driver(), nullptr)
     , target(device.GetTargetDescriptor())
 {
     operationThread.setObjectName(QStringLiteral("programmer"));
@@ -51,6 +80,11 @@ ProgrammerSession::~ProgrammerSession()
 SimulatedProgrammer &ProgrammerSession::programmer()
 {
     return device;
+}
+
+UniProgInterface *ProgrammerSession::driver()
+{
+    return driverKind == Driver::Simulated ? &device : nullptr;
 }
 
 UtilsUniProgThread &ProgrammerSession::thread()
@@ -101,6 +135,64 @@ bool ProgrammerSession::answer() const
     return result;
 }
 
+bool ProgrammerSession::setDeviceImage(const QString &path, QString *error)
+{
+    if (running) {
+        *error = QStringLiteral("The image is in use. Please wait for the end of the operation.");
+        return false;
+    }
+    UtilsBootloader file(path, UtilsBootloader::BOOTLOADER_IMAGE_DEVICE, bootloaderDeviceId(), bootloaderSectorSize());
+    if (!file.openFile()) {
+        *error = QStringLiteral("The firmware %1 cannot be opened.").arg(path);
+        return false;
+    }
+    if (file.getImageBufferSize() == 0) {
+        *error = QStringLiteral("The firmware %1 is empty.").arg(path);
+        return false;
+    }
+    deviceFirmwarePath = path;
+    Q_EMIT deviceImageChanged();
+    return true;
+}
+
+QString ProgrammerSession::deviceImagePath() const
+{
+    return deviceFirmwarePath;
+}
+
+QByteArray ProgrammerSession::bootloaderInfo() const
+{
+    return deviceInfo;
+}
+
+unsigned int ProgrammerSession::bootloaderDeviceId() const
+{
+    return deviceInfo.size() < InfoSize ? 0 : qFromLittleEndian<quint32>(deviceInfo.constData() + DeviceIdOffset);
+}
+
+unsigned short ProgrammerSession::bootloaderSectorSize() const
+{
+    return deviceInfo.size() < InfoSize ? SimulatedProgrammer::BootloaderSectorSize
+                                        : qFromLittleEndian<quint16>(deviceInfo.constData() + SectorSizeOffset);
+}
+
+bool ProgrammerSession::selectLink(TSelectedDevice::Link link)
+{
+    const QList<TSelectedDevice> devices = device.devices();
+    const auto found = std::find_if(devices.cbegin(), devices.cend(),
+                                    [=](const TSelectedDevice &candidate) { return candidate.link == link; });
+    if (running || found == devices.cend() || !device.selectDevice(*found))
+        return false;
+    selectedDevice = *found;
+    Q_EMIT linkChanged();
+    return true;
+}
+
+TSelectedDevice::Link ProgrammerSession::link() const
+{
+    return static_cast<TSelectedDevice::Link>(selectedDevice.link);
+}
+
 bool ProgrammerSession::addFault(const QString &text, QString *error)
 {
     if (!device.addFault(text, error))
@@ -129,7 +221,9 @@ bool ProgrammerSession::isRunning() const
 
 bool ProgrammerSession::canStart(Operation operation) const
 {
-    return !running && !(describe(operation).needsImage && firmware.isEmpty());
+    const Description &description = describe(operation);
+    const bool hasImage = description.subject == Subject::Device ? !deviceFirmwarePath.isEmpty() : !firmware.isEmpty();
+    return !running && (hasImage || !description.needsImage);
 }
 
 void ProgrammerSession::start(Operation operation)
@@ -139,7 +233,15 @@ void ProgrammerSession::start(Operation operation)
     running = true;
     current = operation;
     result = false;
-    switch (operation) {
+    if (describe(operation).subject == Subject::Target)
+        startTargetOperation();
+    else
+        startFirmwareOperation();
+}
+
+void ProgrammerSession::startTargetOperation()
+{
+    switch (current) {
     case Operation::Write:
         operationThread.WriteTarget(&firmware);
         break;
@@ -161,6 +263,38 @@ void ProgrammerSession::start(Operation operation)
         break;
     case Operation::Reset:
         operationThread.ResetTarget();
+        break;
+    default:
+        break;
+    }
+}
+
+void ProgrammerSession::startFirmwareOperation()
+{
+    switch (current) {
+    case Operation::EnterBootloader:
+        operationThread.BootloaderEnter(selectedDevice, &deviceInfo);
+        break;
+    case Operation::WriteDeviceFirmware:
+        operationThread.BootloaderProcess(selectedDevice, deviceFirmwarePath, bootloaderDeviceId(),
+                                          bootloaderSectorSize());
+        break;
+    case Operation::ExitBootloader:
+        operationThread.BootloaderExit(selectedDevice);
+        break;
+    case Operation::ActivatePowerBootloader:
+        operationThread.PowerBootloaderActivate();
+        break;
+    case Operation::ShowPowerBootloader:
+        operationThread.PowerBootloaderGetInfo();
+        break;
+    case Operation::WritePowerFirmware:
+        operationThread.PowerBootloaderWrite();
+        break;
+    case Operation::ResetPowerModule:
+        operationThread.PowerBootloaderReset();
+        break;
+    default:
         break;
     }
 }

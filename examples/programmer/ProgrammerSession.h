@@ -19,7 +19,24 @@ class ProgrammerSession : public QObject
     Q_OBJECT
 
 public:
-    enum class Operation { Write, Read, Verify, BlankCheck, Detect, Erase, Reset };
+    enum class Operation {
+        Write,
+        Read,
+        Verify,
+        BlankCheck,
+        Detect,
+        Erase,
+        Reset,
+        EnterBootloader,
+        WriteDeviceFirmware,
+        ExitBootloader,
+        ActivatePowerBootloader,
+        ShowPowerBootloader,
+        WritePowerFirmware,
+        ResetPowerModule
+    };
+    /// What an operation works on.
+    enum class Subject { Target, Device, PowerModule };
 
     /// How an operation is called: by the command line, on its button, and over its log.
     struct Description
@@ -28,16 +45,22 @@ public:
         const char *name;
         const char *caption;
         const char *message;
+        Subject subject;
         bool needsImage;
     };
     static const QList<Description> &descriptions();
     static const Description &describe(Operation operation);
 
-    explicit ProgrammerSession(QObject *parent = nullptr);
+    enum class Driver { Simulated, Missing };
+
+    /// With a missing driver every operation is refused as by a device that is not selected.
+    explicit ProgrammerSession(Driver kind = Driver::Simulated, QObject *parent = nullptr);
     /// A running operation is cut short.
     ~ProgrammerSession() override;
 
     SimulatedProgrammer &programmer();
+    /// What operations and dialogs are given: the programmer, or null when it is missing.
+    UniProgInterface *driver();
     UtilsUniProgThread &thread();
     TargetOptionsOperation &operationOptions();
     TargetOptionsConnection &connectionOptions();
@@ -53,6 +76,19 @@ public:
     /// Whether the last verify, blank check or detect found what it looked for.
     bool answer() const;
 
+    /// Chooses the image for the device itself. False and a sentence in @p error when the file cannot be used or an
+    /// operation is running; the choice made before stays.
+    bool setDeviceImage(const QString &path, QString *error);
+    QString deviceImagePath() const;
+    /// What the bootloader of the device has said of itself; empty before.
+    QByteArray bootloaderInfo() const;
+    unsigned int bootloaderDeviceId() const;
+    unsigned short bootloaderSectorSize() const;
+
+    /// The link that operations use from now on: the first device of that link. False when there is none.
+    bool selectLink(TSelectedDevice::Link link);
+    TSelectedDevice::Link link() const;
+
     /// Plans a failure, see SimulatedProgrammer::addFault().
     bool addFault(const QString &text, QString *error);
     void clearFaults();
@@ -66,18 +102,26 @@ public:
 
 Q_SIGNALS:
     void imageChanged();
+    void deviceImageChanged();
+    void linkChanged();
     void faultsChanged();
     /// @p status 0 is success; @p message is the text of the failure.
     void completed(ProgrammerSession::Operation operation, int status, const QString &message);
 
 private:
+    void startTargetOperation();
+    void startFirmwareOperation();
     void procedureCompleted(int status, const QString &message);
 
+    const Driver driverKind;
     SimulatedProgrammer device;
+    TSelectedDevice selectedDevice;
     UtilsUniProgThread operationThread;
     QSharedPointer<TargetDescriptor> target;
     MemoryManager firmware;
     QString firmwarePath;
+    QString deviceFirmwarePath;
+    QByteArray deviceInfo;
     MemoryManager readMemory;
     bool result = false;
     QStringList plannedFaults;

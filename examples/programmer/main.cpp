@@ -61,11 +61,16 @@ int main(int argc, char **argv)
 
     CommandLine commandLine;
     QString error;
-    ProgrammerSession session;
-    if (!readCommandLine(QCoreApplication::arguments(), &commandLine, &error)
-        || !applySettings(commandLine, &session, &error))
+    if (!readCommandLine(QCoreApplication::arguments(), &commandLine, &error))
+        return refuse(error, HeadlessRun::UsageError);
+    ProgrammerSession session(commandLine.hasDriver ? ProgrammerSession::Driver::Simulated
+                                                    : ProgrammerSession::Driver::Missing);
+    if (!applySettings(commandLine, &session, &error))
         return refuse(error, HeadlessRun::UsageError);
     if (!commandLine.image.isEmpty() && !session.loadImage(commandLine.image, commandLine.binaryBase, &error))
+        return refuse(error, HeadlessRun::FileError);
+
+    if (!commandLine.deviceImage.isEmpty() && !session.setDeviceImage(commandLine.deviceImage, &error))
         return refuse(error, HeadlessRun::FileError);
 
     Appearance::apply(commandLine.theme);
