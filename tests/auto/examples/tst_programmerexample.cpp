@@ -1,5 +1,6 @@
 #include <FirmwareFile.h>
 #include <MemoryManager.h>
+#include <SimulatedProgrammer.h>
 
 #include <UniProgTest.h>
 
@@ -13,6 +14,7 @@
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QtEndian>
 
 #include <memory>
 
@@ -36,6 +38,7 @@ private Q_SLOTS:
 
 private:
     QString path(const char *name) const;
+    void store(const char *name, const QByteArray &bytes) const;
     std::unique_ptr<QProcess> create(const QStringList &arguments) const;
     std::unique_ptr<QProcess> run(const QStringList &arguments) const;
     void add(const QString &name, const QStringList &arguments);
@@ -51,6 +54,8 @@ namespace {
 
 constexpr int LongWait = 120000;
 constexpr int ImageSize = 1024;
+constexpr int FirmwareSize = 3000; // four blocks
+const QByteArray Password = QByteArrayLiteral("open sesame");
 constexpr qint64 TargetSize = 262400; // flash and configuration page
 constexpr int SideBySide = 16;
 constexpr char FinishedProperty[] = "finished";
@@ -78,6 +83,35 @@ struct Case
 
 const QString WriteTitle = QStringLiteral("Writing the image to the target:");
 
+const QString DeviceEnterTitle = QStringLiteral("Starting the bootloader of the device:");
+const QString DeviceWriteTitle = QStringLiteral("Writing the firmware of the device:");
+const QString DeviceExitTitle = QStringLiteral("Starting the firmware of the device:");
+const QString PowerActivateTitle = QStringLiteral("Starting the bootloader of the power module:");
+const QString PowerInfoTitle = QStringLiteral("Asking the bootloader of the power module:");
+const QString PowerWriteTitle = QStringLiteral("Writing the firmware of the power module:");
+const QString BootloaderLine = QStringLiteral("Bootloader of device 0x1002, sectors of 4096 bytes.");
+const QString LoadingFirmware = QStringLiteral("default Loading firmware...");
+const QString ErasingFlash = QStringLiteral("default Erasing flash...");
+const QString WritingFirmware = QStringLiteral("default Writing firmware...");
+const QString VerifyingWrite = QStringLiteral("default Verifying write...");
+
+QStringList deviceWritten()
+{
+    return {LoadingFirmware,
+            ErasingFlash,
+            WritingFirmware,
+            VerifyingWrite,
+            QStringLiteral("success Bootloading successful."),
+            QStringLiteral("success Please restore link with your device."),
+            QStringLiteral("Status 0")};
+}
+
+QStringList updateDevice()
+{
+    return {QStringLiteral("--operation"), QStringLiteral("update-device"), QStringLiteral("--image"),
+            QStringLiteral("device.fw")};
+}
+
 QStringList faults(std::initializer_list<const char *> texts)
 {
     QStringList arguments;
@@ -91,6 +125,9 @@ QString status(int number, const char *message)
     return QStringLiteral("Status %1: %2").arg(number).arg(QString::fromLatin1(message));
 }
 
+/// What follows a refused link when no password is known.
+const QString PasswordCancelled = QStringLiteral("The password dialog is cancelled.");
+
 /// A write with verification that fails.
 Case failedWrite(const char *name, std::initializer_list<const char *> faultTexts, const QStringList &lines, int number,
                  const char *message)
@@ -98,7 +135,8 @@ Case failedWrite(const char *name, std::initializer_list<const char *> faultText
     return {name,
             QStringList{QStringLiteral("--operation"), QStringLiteral("write"), QStringLiteral("--verify")}
                 + faults(faultTexts),
-            QStringList{WriteTitle, Start} + lines + QStringList{status(number, message)},
+            QStringList{WriteTitle, Start} + lines + QStringList{status(number, message)}
+                + (number == 13 || number == 14 ? QStringList{PasswordCancelled} : QStringList()),
             number > 0 ? number : int(StatusOutOfRange)};
 }
 
@@ -252,9 +290,152 @@ QList<Case> operations()
     };
 }
 
+constexpr int PowerBlocks = 5; // of the placeholder image
+
+/// An update of the device that fails; @p lines from the failing step on, @p step counted from 0.
+Case failedDeviceUpdate(const char *name, const char *fault, int step, const QStringList &lines, int number,
+                        const char *message = "Operation failed.")
+{
+    QStringList expected{DeviceEnterTitle, Start};
+    if (step > 0)
+        expected += QStringList{QStringLiteral("Status 0"), BootloaderLine, DeviceWriteTitle, Start};
+    if (step > 1)
+        expected += deviceWritten() + QStringList{DeviceExitTitle, Start};
+    return {name, updateDevice() + faults({fault}), expected + lines + QStringList{status(number, message)}, number};
+}
+
+QList<Case> deviceUpdates()
+{
+    const QStringList entered{DeviceEnterTitle, Start, QStringLiteral("Status 0"), BootloaderLine};
+    const QString eraseFailed = QStringLiteral("error   Flash erase error.");
+    const QString writeFailed = QStringLiteral("error   Firmware write error.");
+    const QString verifyFailed = QStringLiteral("error   File not verified.");
+    return {
+        {"update the device", updateDevice(),
+         entered + QStringList{DeviceWriteTitle, Start} + deviceWritten()
+             + QStringList{DeviceExitTitle, Start, QStringLiteral("Status 0")},
+         0},
+        failedDeviceUpdate("update the device: enter", "bootloader-enter=7", 0, {OperationFailed}, 7),
+        failedDeviceUpdate("update the device: connect", "device-connect=38", 0,
+                           {QStringLiteral("error   There is no selected device.")}, 38,
+                           "There is no selected device."),
+        failedDeviceUpdate("update the device: erase", "bootloader-erase=7", 1,
+                           {LoadingFirmware, ErasingFlash, eraseFailed, OperationFailed}, 7),
+        failedDeviceUpdate("update the device: first block", "bootloader-write@block=1:7", 1,
+                           {LoadingFirmware, ErasingFlash, WritingFirmware, writeFailed, OperationFailed}, 7),
+        failedDeviceUpdate("update the device: last block", "bootloader-write@block=4:7", 1,
+                           {LoadingFirmware, ErasingFlash, WritingFirmware, writeFailed, OperationFailed}, 7),
+        failedDeviceUpdate("update the device: link lost", "bootloader-write@block=2:link-lost", 1,
+                           {LoadingFirmware, ErasingFlash, WritingFirmware, writeFailed, OperationFailed}, 106),
+        failedDeviceUpdate(
+            "update the device: verify", "bootloader-verify=7", 1,
+            {LoadingFirmware, ErasingFlash, WritingFirmware, VerifyingWrite, verifyFailed, OperationFailed}, 7),
+        failedDeviceUpdate("update the device: exit", "bootloader-exit=7", 2, {OperationFailed}, 7),
+    };
+}
+
+/// An update of the power module whose last step logs @p lines.
+Case powerUpdate(const char *name, std::initializer_list<const char *> faultTexts, const QStringList &lines,
+                 int number = 0)
+{
+    const QStringList steps{PowerActivateTitle, Start, QStringLiteral("Status 0"),
+                            PowerInfoTitle,     Start, QStringLiteral("Status 0"),
+                            PowerWriteTitle,    Start, LoadingFirmware,
+                            ErasingFlash};
+    return {name, QStringList{QStringLiteral("--operation"), QStringLiteral("update-power")} + faults(faultTexts),
+            steps + lines
+                + (number == 0 ? QStringList{QStringLiteral("Status 0")}
+                               : QStringList{OperationFailed, status(number, "Operation failed.")}),
+            number};
+}
+
+QList<Case> powerUpdates()
+{
+    const QString writeFailed = QStringLiteral("error   Firmware write error.");
+    const QString mismatch = QStringLiteral("error   File not verified.");
+    const QString resetFailed = QStringLiteral("error   Power module reset error.");
+    QList<Case> cases{
+        powerUpdate("update the power module", {},
+                    {WritingFirmware, VerifyingWrite, QStringLiteral("success Write operation done and verified.")}),
+        powerUpdate("update the power module: erase", {"power-bootloader-erase=7"},
+                    {QStringLiteral("error   Firmware erase error.")}, 7),
+        powerUpdate("update the power module: a block fails every time", {"power-bootloader-write@block=1:7"},
+                    QStringList{WritingFirmware} + QStringList(PowerBlocks, writeFailed), 7),
+        powerUpdate("update the power module: reset", {"power-bootloader-reset=7"},
+                    {WritingFirmware, VerifyingWrite, QStringLiteral("success Write operation done and verified."),
+                     resetFailed},
+                    7),
+        // Whatever the verification says, the status of the reset counts.
+        powerUpdate("update the power module: verify", {"power-bootloader-verify=7"},
+                    {WritingFirmware, VerifyingWrite, QStringLiteral("error   Verification failed.")}),
+        powerUpdate("update the power module: mismatch", {"power-bootloader-mismatch"},
+                    {WritingFirmware, VerifyingWrite, mismatch}),
+        {"update the power module: activate",
+         QStringList{QStringLiteral("--operation"), QStringLiteral("update-power")}
+             + faults({"power-bootloader-activate=7"}),
+         {PowerActivateTitle, Start, OperationFailed, status(7, "Operation failed.")},
+         7},
+        {"update the power module: info",
+         QStringList{QStringLiteral("--operation"), QStringLiteral("update-power")}
+             + faults({"power-bootloader-info=7"}),
+         {PowerActivateTitle, Start, QStringLiteral("Status 0"), PowerInfoTitle, Start, OperationFailed,
+          status(7, "Operation failed.")},
+         7},
+    };
+    // A block that fails once is written by the next attempt; the last block is left out, which the check finds.
+    cases.append(powerUpdate("update the power module: first block", {"power-bootloader-write@call=1:7"},
+                             {WritingFirmware, writeFailed, VerifyingWrite, mismatch}));
+    cases.append(powerUpdate("update the power module: middle block", {"power-bootloader-write@call=3:7"},
+                             {WritingFirmware, writeFailed, VerifyingWrite, mismatch}));
+    cases.append(powerUpdate("update the power module: last block", {"power-bootloader-write@call=5:7"},
+                             {WritingFirmware, writeFailed}, 7));
+    return cases;
+}
+
+QList<Case> linkPasswords()
+{
+    const QString titleOfDetect = QStringLiteral("Looking for the target:");
+    const QStringList refused{titleOfDetect, Start, QStringLiteral("error   WiFi link-debug authentication failed! "),
+                              QStringLiteral("error   Please enter correct WiFi link password"),
+                              status(14,
+                                     "WiFi link-debug authentication failed! \\nPlease enter correct WiFi link "
+                                     "password")};
+    const QString tried = QStringLiteral("The password dialog gets the password of the link; trying again.");
+    const QStringList detected{titleOfDetect, Start,
+                               Connect,       QStringLiteral("success Target is detected."),
+                               Disconnected,  QStringLiteral("Status 0")};
+    const QStringList detect{QStringLiteral("--operation"), QStringLiteral("detect"), QStringLiteral("--wifi"),
+                             QStringLiteral("--device-password-file"), QStringLiteral("right.txt")};
+    const QString file = QStringLiteral("--password-file");
+    QStringList updateRefused = refused;
+    updateRefused.replaceInStrings(titleOfDetect, DeviceEnterTitle)
+        .replaceInStrings(QStringLiteral("link-debug"), QStringLiteral("link-config"))
+        .replaceInStrings(QStringLiteral("Status 14"), QStringLiteral("Status 13"));
+    return {
+        {"WiFi: right password", detect + QStringList{file, QStringLiteral("right.txt")},
+         refused + QStringList{tried} + detected, 0},
+        {"WiFi: wrong password", detect + QStringList{file, QStringLiteral("wrong.txt")},
+         refused + QStringList{tried} + refused + QStringList{PasswordCancelled}, 14},
+        {"WiFi: no password known", detect, refused + QStringList{PasswordCancelled}, 14},
+        {"WiFi: update with the right password",
+         updateDevice() + detect.mid(2) + QStringList{file, QStringLiteral("right.txt")},
+         updateRefused
+             + QStringList{tried, DeviceEnterTitle, Start, QStringLiteral("Status 0"), BootloaderLine, DeviceWriteTitle,
+                           Start}
+             + deviceWritten() + QStringList{DeviceExitTitle, Start, QStringLiteral("Status 0")},
+         0},
+        {"no driver",
+         {QStringLiteral("--operation"), QStringLiteral("detect"), QStringLiteral("--no-driver")},
+         {titleOfDetect, Start, QStringLiteral("error   There is no selected device."),
+          status(38, "There is no selected device.")},
+         38},
+    };
+}
+
 QList<Case> allCases()
 {
-    return failuresToConnect() + failuresOfTheOperation() + operations();
+    return failuresToConnect() + failuresOfTheOperation() + operations() + deviceUpdates() + powerUpdates()
+        + linkPasswords();
 }
 
 QStringList withoutTimes(const QByteArray &output)
@@ -277,12 +458,23 @@ void tst_ProgrammerExample::initTestCase()
         image.putChar(char(i * 7));
     image.close();
 
+    const QByteArray payload(FirmwareSize, '\x5a');
+    QByteArray header(8, '\0'); // the CRC, and no version
+    qToLittleEndian(SimulatedProgrammer::crc32(payload), header.data());
+    store("device.fw", header + payload);
+    store("right.txt", Password + QByteArrayLiteral("\n"));
+    store("wrong.txt", "a guess\n");
+
     const QString operation = QStringLiteral("--operation");
     const QString write = QStringLiteral("write");
     const QString read = QStringLiteral("read");
     const QString output = QStringLiteral("--output");
     for (const Case &example : allCases())
         add(QString::fromLatin1(example.name), example.arguments);
+    add(QStringLiteral("asks for a password"),
+        {operation, QStringLiteral("detect"), QStringLiteral("--wifi"), QStringLiteral("--device-password-file"),
+         path("right.txt"), QStringLiteral("--password-file"), path("right.txt"), QStringLiteral("--pictures"),
+         path("wifi")});
     add(QStringLiteral("differs"),
         QStringList{operation, write, QStringLiteral("--compare")} + faults({"write@block=2:corrupt"}));
     add(QStringLiteral("hangs"),
@@ -301,12 +493,20 @@ QString tst_ProgrammerExample::path(const char *name) const
     return folder.filePath(QString::fromLatin1(name));
 }
 
+void tst_ProgrammerExample::store(const char *name, const QByteArray &bytes) const
+{
+    QFile file(path(name));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), bytes.size());
+}
+
 std::unique_ptr<QProcess> tst_ProgrammerExample::create(const QStringList &arguments) const
 {
     auto process = std::make_unique<QProcess>();
     process->setProgram(QStringLiteral(PROGRAMMER_PATH));
     process->setArguments(QStringList{QStringLiteral("--headless"), QStringLiteral("--speed"), QStringLiteral("0")}
                           + arguments);
+    process->setWorkingDirectory(folder.path());
     process->setProcessChannelMode(QProcess::MergedChannels); // a warning would spoil the transcript
     return process;
 }
@@ -359,7 +559,9 @@ void tst_ProgrammerExample::theTranscriptIsExact()
     QFETCH(QStringList, lines);
     QFETCH(int, exitCode);
     QProcess *process = finished(QString::fromLatin1(QTest::currentDataTag()));
-    QCOMPARE(withoutTimes(process->readAll()), lines);
+    const QByteArray output = process->readAll();
+    QVERIFY(!output.contains(Password));
+    QCOMPARE(withoutTimes(output), lines);
     QCOMPARE(process->exitStatus(), QProcess::NormalExit);
     QCOMPARE(process->exitCode(), exitCode);
 }
@@ -384,6 +586,11 @@ void tst_ProgrammerExample::aWrongCommandLineIsRefused_data()
     row("--operation detect --colour red", UsageError, "colour");
     row("--operation detect image.hex", UsageError, "image.hex");
     row("--operation detect --theme pink", UsageError, "There is no theme");
+    row("--operation update-device", UsageError, "choose an image");
+    row("--operation update-device --operation write --image x", UsageError, "run the program twice");
+    row("--operation update-device --image missing.fw", FileError, "cannot be opened");
+    row("--operation detect --password-file missing.txt", UsageError, "cannot be read");
+    row("--operation detect --password secret", UsageError, "password");
     row("--headless", UsageError, "say what to do with --operation");
     row("--operation write --image missing.hex", FileError, "There is no file");
     row("--operation detect --pictures /dev/null/pictures", FileError, "cannot be made");
@@ -440,6 +647,9 @@ void tst_ProgrammerExample::picturesAreLeft()
         const QImage picture(QDir(path("new/pictures")).filePath(QString::fromLatin1(name) + QStringLiteral(".png")));
         QVERIFY2(!picture.isNull(), name);
     }
+    QCOMPARE(finished(QStringLiteral("asks for a password"))->exitCode(), 0);
+    for (const char *const name : {"detect-explanation", "detect-password", "detect-result"})
+        QVERIFY2(QFile::exists(QDir(path("wifi")).filePath(QString::fromLatin1(name) + QStringLiteral(".png"))), name);
 }
 
 void tst_ProgrammerExample::theHelpNamesEveryOperation()

@@ -15,6 +15,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QToolButton>
+#include <QtEndian>
 
 #include <memory>
 
@@ -31,6 +32,11 @@ private Q_SLOTS:
     void theDialogClosesByItselfWhenTheSwitchSaysSo();
     void aFailureStaysUntilItIsClosedAndIsExplained();
     void aLinkPasswordIsAskedForAndReachesTheProgrammer();
+    void aCancelledPasswordLeavesTheLinkLocked();
+    void theDeviceIsUpdatedStepByStep();
+    void aBadDeviceFirmwareIsSaid();
+    void thePowerModuleIsUpdatedStepByStep();
+    void withoutADriverADeviceIsMissed();
     void theOptionsReachTheTarget();
     void faultsAreAddedAndForgotten();
     void aBadFileIsSaid();
@@ -66,6 +72,31 @@ struct Application
         QTest::keyClick(edit, Qt::Key_Return);
     }
 
+    /// Chooses a firmware of version 2.1 on the page of the device.
+    bool loadDeviceFirmware(const QTemporaryDir &folder, const QByteArray &payload) const
+    {
+        QFile file(folder.filePath(QStringLiteral("device.fw")));
+        QByteArray header(8, '\0');
+        qToLittleEndian(SimulatedProgrammer::crc32(payload), header.data());
+        header[4] = 3; // length of the version
+        const QByteArray bytes = header + "2.1" + payload;
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
+            return false;
+        auto *edit = find<QLineEdit>("deviceImagePath");
+        edit->setText(file.fileName());
+        QTest::keyClick(edit, Qt::Key_Return);
+        return session.deviceImagePath() == file.fileName();
+    }
+
+    /// Clicks the button of the operation and waits for the end of its dialog.
+    bool runToSuccess(Operation operation) const
+    {
+        find<QToolButton>(ProgrammerSession::describe(operation).name)->click();
+        const QPointer<UtilsDialogProcessing> dialog = window.findChild<UtilsDialogProcessing *>();
+        return dialog && QTest::qWaitFor([&] { return dialog.isNull(); }, LongWait)
+            && find<QLabel>("result")->text().endsWith(QStringLiteral("completed"));
+    }
+
     bool loadImage() const
     {
         const QTemporaryDir folder;
@@ -98,14 +129,16 @@ void tst_ProgrammerWindow::withoutAnImageNothingCanBeWrittenOrVerified()
     QVERIFY(!application.find<QToolButton>("save")->isEnabled());
     QVERIFY(application.loadImage());
     for (const ProgrammerSession::Description &description : ProgrammerSession::descriptions())
-        QVERIFY(application.find<QToolButton>(description.name)->isEnabled());
+        QCOMPARE(application.find<QToolButton>(description.name)->isEnabled(),
+                 description.operation != Operation::WriteDeviceFirmware);
 }
 
 void tst_ProgrammerWindow::everyButtonRunsItsOperationUnderADialog_data()
 {
     QTest::addColumn<Operation>("operation");
     for (const ProgrammerSession::Description &description : ProgrammerSession::descriptions())
-        QTest::newRow(description.name) << description.operation;
+        if (description.subject == ProgrammerSession::Subject::Target)
+            QTest::newRow(description.name) << description.operation;
 }
 
 void tst_ProgrammerWindow::everyButtonRunsItsOperationUnderADialog()
@@ -179,6 +212,97 @@ void tst_ProgrammerWindow::aLinkPasswordIsAskedForAndReachesTheProgrammer()
     application.window.run(Operation::Detect);
     QVERIFY(completed.wait(LongWait));
     QCOMPARE(completed.first().at(1).toInt(), 0);
+}
+
+void tst_ProgrammerWindow::aCancelledPasswordLeavesTheLinkLocked()
+{
+    Application application;
+    application.session.programmer().setWiFiPassword(OPERATION_TYPE_DEBUG, QStringLiteral("open sesame"));
+    application.find<QCheckBox>("overWiFi")->click();
+    QCOMPARE(application.session.link(), TSelectedDevice::WiFi);
+    for (const bool cancel : {true, false}) {
+        QVERIFY(closeWithButton(application.window.run(Operation::Detect)));
+        const QPointer<UtilsDialog> question = application.window.findChild<UtilsDialog *>();
+        QVERIFY(question);
+        question->setLineEditText(QStringLiteral("a guess"));
+        (cancel ? question->getCancelButton() : question->getAcceptButton())->click();
+        QTRY_VERIFY(question.isNull());
+        QCOMPARE(application.session.programmer().callCount(SimulatedProgrammer::Operation::SetWiFiLinkPassword),
+                 cancel ? 0 : 1);
+    }
+    QSignalSpy completed(&application.session, &ProgrammerSession::completed);
+    application.window.run(Operation::Detect);
+    QVERIFY(completed.wait(LongWait));
+    QCOMPARE(completed.first().at(1).toInt(), 14);
+
+    application.find<QCheckBox>("overWiFi")->click();
+    QCOMPARE(application.session.link(), TSelectedDevice::Usb);
+}
+
+void tst_ProgrammerWindow::theDeviceIsUpdatedStepByStep()
+{
+    Application application;
+    const QTemporaryDir folder;
+    const QByteArray payload(3000, '\x5a');
+    QVERIFY(application.loadDeviceFirmware(folder, payload));
+    QCOMPARE(application.find<QLabel>("deviceImageSummary")->text(), QStringLiteral("Version 2.1, 3000 bytes"));
+    QVERIFY(application.runToSuccess(Operation::EnterBootloader));
+    QCOMPARE(application.find<QLabel>("bootloaderSummary")->text(),
+             QStringLiteral("Device 0x1002, sectors of 4096 bytes"));
+    QVERIFY(application.runToSuccess(Operation::WriteDeviceFirmware));
+    QCOMPARE(application.session.programmer().firmware(int(payload.size())), payload);
+    QVERIFY(application.session.programmer().isInBootloader());
+    QVERIFY(application.runToSuccess(Operation::ExitBootloader));
+    QVERIFY(!application.session.programmer().isInBootloader());
+    QCOMPARE(application.session.programmer().refusals(), QStringList());
+}
+
+void tst_ProgrammerWindow::aBadDeviceFirmwareIsSaid()
+{
+    Application application;
+    const QTemporaryDir folder;
+    auto *edit = application.find<QLineEdit>("deviceImagePath");
+    for (const char *const path : {"/no/such/firmware", "/"}) {
+        edit->setText(QString::fromLatin1(path));
+        QTest::keyClick(edit, Qt::Key_Return);
+        QVERIFY(application.find<QLabel>("result")->text().endsWith(QStringLiteral("cannot be opened.")));
+    }
+    QVERIFY(!application.loadDeviceFirmware(folder, QByteArray()));
+    QVERIFY(application.find<QLabel>("result")->text().endsWith(QStringLiteral("is empty.")));
+    QVERIFY(!application.find<QToolButton>("bootloader-write")->isEnabled());
+}
+
+void tst_ProgrammerWindow::thePowerModuleIsUpdatedStepByStep()
+{
+    Application application;
+    for (const Operation operation :
+         {Operation::ActivatePowerBootloader, Operation::ShowPowerBootloader, Operation::WritePowerFirmware})
+        QVERIFY(application.runToSuccess(operation));
+    SimulatedProgrammer &programmer = application.session.programmer();
+    QVERIFY(!programmer.isPowerModuleInBootloader());
+    QVERIFY(application.runToSuccess(Operation::ActivatePowerBootloader));
+    QVERIFY(programmer.isPowerModuleInBootloader());
+    QVERIFY(application.runToSuccess(Operation::ResetPowerModule));
+    QVERIFY(!programmer.isPowerModuleInBootloader());
+    QCOMPARE(programmer.refusals(), QStringList());
+}
+
+void tst_ProgrammerWindow::withoutADriverADeviceIsMissed()
+{
+    ProgrammerSession session(ProgrammerSession::Driver::Missing);
+    MainWindow window(&session);
+    window.show();
+    for (const Operation operation : {Operation::Detect, Operation::EnterBootloader}) {
+        QSignalSpy completed(&session, &ProgrammerSession::completed);
+        QVERIFY(closeWithButton(window.run(operation)));
+        QCOMPARE(completed.count(), 1);
+        QCOMPARE(completed.first().at(1).toInt(), 38);
+        const QPointer<UtilsDialog> explanation = window.findChild<UtilsDialog *>();
+        QVERIFY(explanation);
+        QVERIFY(!explanation->findChild<QLineEdit *>()); // nobody to give a password to
+        QTest::keyClick(explanation, Qt::Key_Return);
+        QTRY_VERIFY(explanation.isNull());
+    }
 }
 
 void tst_ProgrammerWindow::theOptionsReachTheTarget()

@@ -3,6 +3,7 @@
 #include <UniProgTest.h>
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QSignalSpy>
 
 #include <algorithm>
@@ -40,6 +41,7 @@ private Q_SLOTS:
     void theTargetIsHaltedAndRunsAgain();
     void progressRisesToAHundred_data();
     void progressRisesToAHundred();
+    void progressKeepsItsDistance();
     void aMassEraseReportsNoProgress();
     void swoGivesItsStreamInPieces();
     void swoOutlivesTheConnectionToTheDevice();
@@ -454,6 +456,28 @@ void tst_SimulatedTarget::progressRisesToAHundred()
     QCOMPARE(seen.constFirst(), 0);
     QCOMPARE(seen.constLast(), 100);
     QVERIFY(std::is_sorted(seen.cbegin(), seen.cend(), std::less_equal<int>()));
+}
+
+void tst_SimulatedTarget::progressKeepsItsDistance()
+{
+    SimulatedProgrammer programmer;
+    connectAll(programmer);
+    programmer.setTimeScale(0.5);
+    QList<QPair<int, qint64>> seen;
+    QElapsedTimer clock;
+    clock.start();
+    connect(&programmer, &SimulatedProgrammer::SignalUpdateProgress, this, [&](int percent) {
+        seen.append({percent, clock.elapsed()});
+    });
+    MemoryManager image = imageOf(0, pattern(100 * 1024));
+    QCOMPARE(programmer.WriteTarget(&image, 0), 0);
+    QCOMPARE(seen.constFirst().first, 0);
+    QCOMPARE(seen.constLast().first, 100);
+    QVERIFY(seen.size() < 100);
+    for (qsizetype i = 1; i + 1 < seen.size(); ++i) {
+        QVERIFY(seen.at(i).first > seen.at(i - 1).first);
+        QVERIFY(seen.at(i).second - seen.at(i - 1).second >= SimulatedProgrammer::ProgressIntervalMs - 1);
+    }
 }
 
 void tst_SimulatedTarget::aMassEraseReportsNoProgress()
