@@ -1,5 +1,5 @@
-#include <UtilsSidebarItem.h>
-#include <UtilsSidebarListWidget.h>
+#include "SidebarSection.h"
+
 #include <UtilsSidebarWidget.h>
 
 #include <UniProgTest.h>
@@ -8,68 +8,11 @@
 #include <QApplication>
 #include <QButtonGroup>
 #include <QGraphicsDropShadowEffect>
-#include <QIcon>
 #include <QPointer>
 #include <QScrollBar>
-#include <QSignalSpy>
-#include <QToolButton>
 #include <QVBoxLayout>
 
-#include <memory>
-
-static const QString CheckedIcon = QStringLiteral(":/images/power_yellow.svg");
-static const QString UncheckedIcon = QStringLiteral(":/images/power_light.svg");
-
-/// A section with everything a test asks it for.
-struct Section
-{
-    explicit Section(int children = 0)
-        : item(new UtilsSidebarItem(nullptr))
-    {
-        item->setUp("POWER", UncheckedIcon, CheckedIcon);
-        for (int i = 1; i <= children; ++i)
-            item->addChild(QStringLiteral("child %1").arg(i), i - 1);
-        QObject::connect(item.get(), &UtilsSidebarItem::SignalItemToggled,
-                         [this](const UtilsSidebarItem *sender, bool checked) {
-                             log.append(sender == item.get() ? (checked ? "item on" : "item off") : "another item");
-                         });
-        QObject::connect(item.get(), &UtilsSidebarItem::SignalChildToggled, [this](int id, bool checked) {
-            log.append(QStringLiteral("child %1 %2").arg(id).arg(checked ? "on" : "off"));
-        });
-    }
-
-    QToolButton *main() const
-    {
-        return item->findChild<QToolButton *>("toolButton_main");
-    }
-    UtilsSidebarListWidget *list() const
-    {
-        return item->findChild<UtilsSidebarListWidget *>("listWidget_children");
-    }
-    QToolButton *childAt(int row) const
-    {
-        return qobject_cast<QToolButton *>(list()->itemWidget(list()->item(row)));
-    }
-    QStringList captions() const
-    {
-        QStringList captions;
-        for (int row = 0; row < list()->count(); ++row)
-            captions.append(childAt(row)->text());
-        return captions;
-    }
-    int height() const
-    {
-        return list()->maximumHeight();
-    }
-    QStringList takeLog()
-    {
-        return std::exchange(log, {});
-    }
-
-    std::unique_ptr<UtilsSidebarItem> item;
-    QStringList log;
-};
-
+// A section's form, its children and what is selected; how it opens and closes is in tst_utilssidebaritem_folding.cpp.
 class tst_UtilsSidebarItem : public UniProgTest
 {
     Q_OBJECT
@@ -90,11 +33,7 @@ private Q_SLOTS:
     void captionsAreRenamed();
     void unknownChildrenAreIgnored();
 
-    void openingEmitsNothing();
-    void closingSaysThatTheItemIsOff();
-    void theSectionStaysOpenWhenNothingChanges();
     void aSectionWithoutChildrenIsSelected();
-    void theGroupIsExclusiveWhileOpen();
     void aChildIsSelected();
     void anotherChildTakesTheSelection();
     void checkChildOpensFirst();
@@ -102,19 +41,9 @@ private Q_SLOTS:
     void resetUnchecksChildrenOfASectionThatWasNeverOpened();
     void aDirectCallHasNoChild();
 
-    void openedAndClosedInOneTurnItIsClosed();
-    void closedAndOpenedInOneTurnItIsOpen();
-    void aChildOfAnOpenSectionGrowsTheList();
-    void aChildOfAClosedSectionChangesNothing();
-    void aChildThatComesWhileTheListOpensIsShown();
-    void aChildThatComesWhileTheListClosesStaysHidden();
-    void aChildOfASelectedSectionStaysHidden();
-    void aRemovedChildShrinksTheList();
-    void theLastChildMayBeRemovedWhileOpen();
     void aRemovedChildIsHeardOfNoMore();
     void aChildMayBeRemovedInItsOwnSignal();
     void childrenMayBeRemovedWhileTheSectionIsReset();
-    void theSectionMayDieWhileItOpens();
 
     void theIconFollowsTheButton();
     void theSelectedIconIsNotGrey();
@@ -312,37 +241,6 @@ void tst_UtilsSidebarItem::unknownChildrenAreIgnored()
     QCOMPARE(section.log, QStringList());
 }
 
-void tst_UtilsSidebarItem::openingEmitsNothing()
-{
-    Section section(3);
-    section.main()->click();
-    QVERIFY(section.main()->isChecked());
-    QVERIFY(section.main()->isEnabled());
-    QTRY_COMPARE(section.height(), 90);
-    QCOMPARE(section.log, QStringList());
-}
-
-void tst_UtilsSidebarItem::closingSaysThatTheItemIsOff()
-{
-    Section section(3);
-    section.main()->click();
-    QTRY_COMPARE(section.height(), 90);
-    section.main()->click();
-    QVERIFY(!section.main()->isChecked());
-    QTRY_COMPARE(section.height(), 0);
-    QCOMPARE(section.log, QStringList("item off"));
-}
-
-void tst_UtilsSidebarItem::theSectionStaysOpenWhenNothingChanges()
-{
-    Section section(2);
-    section.main()->click();
-    QTRY_COMPARE(section.height(), 60);
-    section.item->on_toolButton_main_toggled(true); // there already: nothing to animate
-    QCOMPARE(section.height(), 60);
-    QCOMPARE(section.log, QStringList());
-}
-
 void tst_UtilsSidebarItem::aSectionWithoutChildrenIsSelected()
 {
     Section section;
@@ -361,23 +259,6 @@ void tst_UtilsSidebarItem::aSectionWithoutChildrenIsSelected()
     QVERIFY(!section.main()->isChecked());
     QVERIFY(section.main()->isEnabled());
     QCOMPARE(section.takeLog(), QStringList("item off"));
-}
-
-void tst_UtilsSidebarItem::theGroupIsExclusiveWhileOpen()
-{
-    const Section section(2);
-    auto *group = section.item->findChild<QButtonGroup *>();
-    QVERIFY(!group->exclusive());
-    section.main()->click();
-    QVERIFY(group->exclusive());
-    section.main()->click();
-    QVERIFY(!group->exclusive());
-    // Also when there is no child any more, so that one that comes later can be unchecked.
-    section.main()->click();
-    section.item->removeChild(1);
-    section.item->removeChild(2);
-    section.main()->setChecked(false);
-    QVERIFY(!group->exclusive());
 }
 
 void tst_UtilsSidebarItem::aChildIsSelected()
@@ -455,123 +336,6 @@ void tst_UtilsSidebarItem::aDirectCallHasNoChild()
     QCOMPARE(section.takeLog(), (QStringList{"item on", "child -1 on", "item off", "child -1 off"}));
 }
 
-/// Waits until a section that begins to open now is open: what was begun before is at its end by then, too.
-static void settle()
-{
-    const Section later(1);
-    later.main()->click();
-    QTRY_COMPARE(later.height(), 30);
-}
-
-void tst_UtilsSidebarItem::openedAndClosedInOneTurnItIsClosed()
-{
-    const Section section(3);
-    section.main()->setChecked(true);
-    section.main()->setChecked(false);
-    settle();
-    QCOMPARE(section.height(), 0);
-}
-
-void tst_UtilsSidebarItem::closedAndOpenedInOneTurnItIsOpen()
-{
-    const Section section(3);
-    section.main()->setChecked(true);
-    QTRY_COMPARE(section.height(), 90);
-    section.main()->setChecked(false);
-    section.main()->setChecked(true);
-    settle();
-    QCOMPARE(section.height(), 90);
-}
-
-void tst_UtilsSidebarItem::aChildOfAnOpenSectionGrowsTheList()
-{
-    const Section section(2);
-    section.main()->click();
-    QTRY_COMPARE(section.height(), 60);
-    section.item->addChild("another", 2);
-    QCOMPARE(section.height(), 60); // not at once
-    QTRY_COMPARE(section.height(), 90);
-}
-
-void tst_UtilsSidebarItem::aChildOfAClosedSectionChangesNothing()
-{
-    const Section section(2);
-    section.item->addChild("another", 2);
-    settle();
-    QCOMPARE(section.height(), 0);
-    section.main()->click();
-    QTRY_COMPARE(section.height(), 90);
-}
-
-void tst_UtilsSidebarItem::aChildThatComesWhileTheListOpensIsShown()
-{
-    const Section section(2);
-    section.main()->click();
-    section.item->addChild("another", 2);
-    QTRY_COMPARE(section.height(), 90);
-    settle();
-    QCOMPARE(section.height(), 90);
-}
-
-void tst_UtilsSidebarItem::aChildThatComesWhileTheListClosesStaysHidden()
-{
-    const Section section(2);
-    section.main()->click();
-    QTRY_COMPARE(section.height(), 60);
-    section.main()->click();
-    section.item->addChild("another", 2);
-    settle();
-    QCOMPARE(section.height(), 0);
-}
-
-void tst_UtilsSidebarItem::aChildOfASelectedSectionStaysHidden()
-{
-    Section section;
-    section.main()->click();
-    section.item->addChild("late", 0);
-    settle();
-    QCOMPARE(section.height(), 0);
-    QVERIFY(section.main()->isChecked());
-    section.item->reset();
-    section.main()->click();
-    QTRY_COMPARE(section.height(), 30);
-}
-
-void tst_UtilsSidebarItem::aRemovedChildShrinksTheList()
-{
-    const Section section(3);
-    section.main()->click();
-    QTRY_COMPARE(section.height(), 90);
-    section.item->removeChild(2);
-    QTRY_COMPARE(section.height(), 60);
-    QCOMPARE(section.captions(), (QStringList{"child 1", "child 3"}));
-
-    section.main()->click();
-    QTRY_COMPARE(section.height(), 0);
-    section.item->removeChild(1);
-    section.main()->click();
-    QTRY_COMPARE(section.height(), 30);
-}
-
-void tst_UtilsSidebarItem::theLastChildMayBeRemovedWhileOpen()
-{
-    Section section(1);
-    section.item->checkChild(1);
-    QTRY_COMPARE(section.height(), 30);
-    section.item->removeChild(1);
-    QTRY_COMPARE(section.height(), 0);
-    section.item->reset();
-    QVERIFY(section.main()->isEnabled());
-
-    // The section is an ordinary one again.
-    QCOMPARE(section.item->addChild("new", 0), 2);
-    section.takeLog();
-    section.item->checkChild(2);
-    QTRY_COMPARE(section.height(), 30);
-    section.item->reset();
-    QVERIFY(!section.childAt(0)->isChecked());
-}
-
 void tst_UtilsSidebarItem::aRemovedChildIsHeardOfNoMore()
 {
     Section section(2);
@@ -615,15 +379,6 @@ void tst_UtilsSidebarItem::childrenMayBeRemovedWhileTheSectionIsReset()
     section.item->reset();
     QCOMPARE(section.list()->count(), 0);
     QCOMPARE(section.takeLog(), (QStringList{"item off", "child 1 off"}));
-}
-
-void tst_UtilsSidebarItem::theSectionMayDieWhileItOpens()
-{
-    Section section(3);
-    section.main()->click();
-    QTRY_VERIFY(section.height() > 0);
-    section.item.reset();
-    settle();
 }
 
 static QImage pictureOf(const QIcon &icon, QIcon::Mode mode, QIcon::State state, qreal scale = 1.0)
