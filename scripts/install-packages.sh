@@ -1,14 +1,16 @@
 #!/usr/bin/env bash
-# Installs the packages of scripts/packages.txt that are missing, as root or with sudo.
+# Installs the packages of a list that are missing, as root or with sudo: install-packages.sh [LIST]
+# LIST is scripts/packages.txt unless given, relative to the project.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+list=${1:-scripts/packages.txt}
 
 if ! command -v apt-get >/dev/null; then
-    echo "This is no Debian system: please install the counterparts of scripts/packages.txt yourself." >&2
+    echo "This is no Debian system: please install the counterparts of $list yourself." >&2
     exit 0
 fi
 
-mapfile -t packages < <(sed 's/#.*//; s/[[:space:]]//g; /^$/d' scripts/packages.txt)
+mapfile -t packages < <(sed 's/#.*//; s/[[:space:]]//g; /^$/d' "$list")
 missing=()
 for package in "${packages[@]}"; do
     status=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)

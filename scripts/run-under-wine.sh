@@ -4,7 +4,7 @@
 #
 # The Wine prefix is WINEPREFIX, otherwise build/wine, made when it is missing. QT_QPA_PLATFORM is offscreen unless set;
 # "windows" takes an X display. What a test program prints is shown when it has ended: Wine does not hand its console
-# output over reliably.
+# output over reliably. With UNIPROG_TEST_RESULTS, a folder, it is also kept there.
 set -euo pipefail
 qt=$(realpath "$1")
 program=$2
@@ -17,7 +17,9 @@ export WINEPREFIX=${WINEPREFIX:-$root/build/wine} WINEARCH=win64 WINEDEBUG=${WIN
 # Nothing here needs .NET or HTML, whose installers would ask for a download.
 export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree,mshtml=}
 runtime=$(dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name=libstdc++-6.dll)")
-WINEPATH="$(windows_path "$(dirname "$(realpath "$program")")");$(windows_path "$qt/bin");$(windows_path "$runtime")"
+folder=$(dirname "$(realpath "$program")")
+# Beside the program or, for one in a folder of its own, a step above it.
+WINEPATH="$(windows_path "$folder");$(windows_path "$(dirname "$folder")");$(windows_path "$qt/bin");$(windows_path "$runtime")"
 export WINEPATH="$WINEPATH;$(windows_path /usr/x86_64-w64-mingw32/lib)"
 # Wine drops the variables that begin with QT_, and gives those that begin with WINEQT_ on without WINE.
 export WINEQT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}
@@ -34,8 +36,12 @@ tst_*) ;;
 *) exec wine "$program" "$@" ;;
 esac
 
-result=$(mktemp)
-trap 'rm -f "$result"' EXIT
+if [ -n "${UNIPROG_TEST_RESULTS:-}" ]; then
+    result=$(realpath "$UNIPROG_TEST_RESULTS")/$(basename "$program" .exe).txt
+else
+    result=$(mktemp)
+    trap 'rm -f "$result"' EXIT
+fi
 status=0
 wine "$program" "$@" -o "$(windows_path "$result"),txt" || status=$?
 cat "$result"

@@ -16,6 +16,11 @@ void UniProgTest::prepareProcess()
     QCoreApplication::setApplicationName(QStringLiteral("UniProgUtils test"));
 }
 
+QString UniProgTest::programOutput(const QByteArray &bytes)
+{
+    return QString::fromUtf8(bytes).replace(QLatin1String("\r\n"), QLatin1String("\n"));
+}
+
 void UniProgTest::init()
 {
     // The offscreen platform announces what it leaves to a window manager: size limits, raising, grabs.

@@ -12,6 +12,8 @@ class UniProgTest : public QObject
 public:
     /// Names the process, sends settings to a temporary folder and picks the offscreen platform unless told otherwise.
     static void prepareProcess();
+    /// What a program printed; its lines end with "\n" on every system.
+    static QString programOutput(const QByteArray &bytes);
 
 protected Q_SLOTS:
     /// A test with an init() of its own calls this one there.

@@ -351,6 +351,10 @@ void tst_UtilsSourceFile::aReplacedFileIsNotWatchedAgain()
 
 void tst_UtilsSourceFile::onlyTheLastChoiceIsWatched()
 {
+#ifdef Q_OS_WIN
+    QSKIP(
+        "Qt watches folders there, and under Wine a neighbour's change is at times taken for one of the file itself.");
+#endif
     const QString other = path(QStringLiteral("other.bin"));
     QVERIFY(write(other, "other"));
     choose(other);

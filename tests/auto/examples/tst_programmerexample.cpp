@@ -442,7 +442,7 @@ QStringList withoutTimes(const QByteArray &output)
 {
     static const QRegularExpression time(QStringLiteral("^\\[ *\\d+\\.\\d{3}\\] "),
                                          QRegularExpression::MultilineOption);
-    QString text = QString::fromUtf8(output).remove(time);
+    QString text = UniProgTest::programOutput(output).remove(time);
     if (text.endsWith(u'\n'))
         text.chop(1);
     return text.split(u'\n');
@@ -601,7 +601,7 @@ void tst_ProgrammerExample::aWrongCommandLineIsRefused()
     QFETCH(int, exitCode);
     QFETCH(QString, problem);
     const std::unique_ptr<QProcess> process = run(QString::fromLatin1(QTest::currentDataTag()).split(u' '));
-    const QString output = QString::fromUtf8(process->readAll());
+    const QString output = programOutput(process->readAll());
     QVERIFY2(output.contains(problem), qPrintable(output));
     QCOMPARE(process->exitCode(), exitCode);
 }
@@ -655,7 +655,7 @@ void tst_ProgrammerExample::picturesAreLeft()
 void tst_ProgrammerExample::theHelpNamesEveryOperation()
 {
     const std::unique_ptr<QProcess> process = run({QStringLiteral("--help")});
-    const QString help = QString::fromUtf8(process->readAll());
+    const QString help = programOutput(process->readAll());
     QCOMPARE(process->exitCode(), 0);
     for (const char *const name : {"write", "read", "verify", "blank", "detect", "erase", "reset", "device-connect"})
         QVERIFY2(help.contains(QLatin1String(name)), name);

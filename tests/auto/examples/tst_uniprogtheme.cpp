@@ -43,8 +43,8 @@ int tst_UniProgTheme::run(const QStringList &arguments)
     process.start(QStringLiteral(COMMAND), arguments);
     if (!process.waitForFinished())
         qFatal("%s does not end", COMMAND);
-    out = QString::fromUtf8(process.readAllStandardOutput());
-    err = QString::fromUtf8(process.readAllStandardError());
+    out = programOutput(process.readAllStandardOutput());
+    err = programOutput(process.readAllStandardError());
     return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
 }
 

@@ -22,8 +22,8 @@ static int run(const QStringList &arguments, QString *out, QString *err)
     process.start(QStringLiteral(COMMAND), arguments);
     if (!process.waitForFinished())
         qFatal("%s does not end", COMMAND);
-    *out = QString::fromUtf8(process.readAllStandardOutput());
-    *err = QString::fromUtf8(process.readAllStandardError());
+    *out = UniProgTest::programOutput(process.readAllStandardOutput());
+    *err = UniProgTest::programOutput(process.readAllStandardError());
     return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
 }
 

@@ -1,0 +1,70 @@
+#!/usr/bin/env bash
+# Builds for Windows with mingw-w64 and passes the tests under Wine: scripts/test-windows.sh [ctest argument...]
+#
+# UNIPROG_WINDOWS_QT names a Qt 6 for Windows that mingw-w64 built: a folder, or an archive (.tar.xz) of one. Without it
+# the archive ../shared/windows/qt-6.4.2-mingw64.tar.xz beside the checkout is taken; when that is missing too, nothing can
+# be built and the script fails. The archive is unpacked below build/.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+default_archive=../shared/windows/qt-6.4.2-mingw64.tar.xz
+qt=${UNIPROG_WINDOWS_QT:-$default_archive}
+if [ ! -e "$qt" ]; then
+    echo "There is no Qt for Windows at $qt: set UNIPROG_WINDOWS_QT to its folder or archive." >&2
+    exit 1
+fi
+
+scripts/install-packages.sh
+scripts/install-packages.sh scripts/packages-windows.txt
+
+if [ -f "$qt" ]; then
+    unpacked=build/windows-qt/$(basename "$qt" .tar.xz)
+    if [ ! -e "$unpacked/.unpacked" ] || [ "$qt" -nt "$unpacked/.unpacked" ]; then
+        mkdir -p build/windows-qt
+        tar xJf "$qt" -C build/windows-qt
+        touch "$unpacked/.unpacked"
+    fi
+    qt=$unpacked
+fi
+UNIPROG_WINDOWS_QT=$(realpath "$qt")
+export UNIPROG_WINDOWS_QT
+
+cmake --preset windows --log-level=WARNING
+cmake --build --preset windows
+scripts/check-dll-exports.py build/windows/bin
+
+# The system's device broadcasts need a window system, also for programs that show no window.
+display=$(mktemp)
+Xvfb -displayfd 3 -screen 0 1280x1024x24 3>"$display" >/dev/null 2>&1 &
+xvfb=$!
+export WINEPREFIX=$PWD/build/wine
+end() {
+    WINEDEBUG=-all wineserver -k 2>/dev/null || true
+    kill "$xvfb" 2>/dev/null || true
+    rm -f "$display"
+}
+trap end EXIT
+for _ in $(seq 100); do
+    [ -s "$display" ] && break
+    kill -0 "$xvfb" 2>/dev/null || { echo "Xvfb does not start." >&2; exit 1; }
+    sleep 0.1
+done
+DISPLAY=:$(cat "$display")
+export DISPLAY
+
+results=build/windows/results
+rm -rf "$results"
+mkdir -p "$results"
+status=0
+UNIPROG_TEST_RESULTS=$PWD/$results ctest --preset windows --parallel "$(nproc)" "$@" || status=$?
+
+echo
+echo "Test programs that were run, and their counts:"
+grep -H '^Totals:' "$results"/*.txt | sed "s|^$results/||; s|\.txt:Totals:|:|; s|, 0 blacklisted||" || true
+echo
+echo "Test programs that are not run on Windows:"
+sed '/^$/d; s/^/  /' build/windows/tests/skipped-on-windows.txt
+echo
+echo "Tests that were skipped in the others:"
+grep -h '^SKIP' "$results"/*.txt | sed 's/^SKIP *: /  /' || echo "  none"
+exit "$status"
