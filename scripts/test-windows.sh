@@ -31,7 +31,8 @@ export UNIPROG_WINDOWS_QT
 
 cmake --preset windows --log-level=WARNING
 cmake --build --preset windows
-scripts/check-dll-exports.py build/windows/bin
+scripts/check-dll-exports.sh build/windows/bin/libUniProgUtils.dll UNIPROGUTILS_EXPORT include/*.h
+scripts/check-dll-exports.sh build/windows/bin/libUniProgTestKit.dll UNIPROGTESTKIT_EXPORT testkit/*.h
 
 # The system's device broadcasts need a window system, also for programs that show no window.
 display=$(mktemp)
