@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Builds for Windows with mingw-w64 and passes the tests under Wine: scripts/test-windows.sh [ctest argument...]
 #
-# UNIPROG_WINDOWS_QT names a Qt 6 for Windows that mingw-w64 built: a folder, or an archive (.tar.xz) of one. Without it
-# the archive ../shared/windows/qt-6.4.2-mingw64.tar.xz beside the checkout is taken; when that is missing too, nothing can
-# be built and the script fails. The archive is unpacked below build/.
+# UNIPROG_WINDOWS_QT names a Qt 6 for Windows that mingw-w64 built: a folder, or a .tar.xz archive of a folder with the
+# archive's name, which is unpacked below build/. Without it ../shared/windows/qt-6.4.2-mingw64.tar.xz beside the checkout
+# is taken; when that is missing too, nothing can be built and the script fails.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -9,7 +9,9 @@
 
 #include <dbt.h>
 
+#include <cstddef>
 #include <cstring>
+#include <cwchar>
 #include <memory>
 #include <string>
 
