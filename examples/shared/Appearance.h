@@ -3,8 +3,8 @@
 
 #include <QStringList>
 
-/// The look of the suite: the style sheet that gives every role name of the library's widgets colours and sizes, filled
-/// in with one of the themes.
+/// The look of the example applications: the style sheet that gives every role name of the library's widgets colours
+/// and sizes, filled in with one of the themes.
 namespace Appearance {
 
 /// Names of the themes; the first one is the usual one.

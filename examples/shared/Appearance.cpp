@@ -5,6 +5,13 @@
 #include <QApplication>
 #include <QStyleFactory>
 
+/// The themes are in a static library, which the linker leaves out where nothing asks for them. Not in a namespace,
+/// because of what the macro declares.
+static void initResources()
+{
+    Q_INIT_RESOURCE(example_themes);
+}
+
 QStringList Appearance::themes()
 {
     return {QStringLiteral("dark"), QStringLiteral("light")};
@@ -12,6 +19,7 @@ QStringList Appearance::themes()
 
 void Appearance::apply(const QString &theme)
 {
+    initResources();
     // The style below the style sheet is the same on every system.
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     const UtilsStyleSheet sheet(QStringLiteral(":/themes/uniprog.qss.in"));
