@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr QSize InitialSize(980, 640);
+constexpr QSize InitialSize(1080, 680);
 constexpr int NavigationWidth = 180;
 constexpr int MonitorHeight = 110;
 constexpr int ToolBarSpacing = 8;
@@ -117,6 +117,7 @@ void GalleryWindow::addPages()
         m_stack->addWidget(area);
         m_pages.append(page);
     }
+    m_monitor->clear(); // of what the pages emit while they are filled
 }
 
 void GalleryWindow::addThemeSwitch(QToolBar *bar)

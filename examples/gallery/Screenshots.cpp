@@ -16,6 +16,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QPointer>
+#include <QVariantAnimation>
 #include <QTimer>
 
 #include <functional>
@@ -40,13 +41,11 @@ void rewind(QWidget *root)
 {
     for (WaitingSpinnerWidget *spinner : root->findChildren<WaitingSpinnerWidget *>())
         spinner->setNumberOfLines(SpinnerLines);
-    for (UtilsProgressBar *bar : root->findChildren<UtilsProgressBar *>()) {
-        if (bar->minimum() != 0 || bar->maximum() != 0 || !bar->isVisible())
-            continue;
-        bar->setRange(0, 1);
-        bar->grab(); // the style ends its animation when it paints a bar that is not busy
-        bar->setRange(0, 0);
-    }
+    for (UtilsProgressBar *bar : root->findChildren<UtilsProgressBar *>())
+        if (bar->minimum() == 0 && bar->maximum() == 0)
+            for (QAbstractAnimation *animation : bar->findChildren<QAbstractAnimation *>())
+                if (!qobject_cast<QVariantAnimation *>(animation))
+                    delete animation; // the style's, which begins anew with the next picture
 }
 
 /// The picture that \a take gives as soon as it changes no more.
@@ -96,6 +95,7 @@ bool Screenshots::save(const QStringList &pages, QString *error)
     bool isSaved = m_error.isEmpty();
     if (isSaved && pages.isEmpty()) {
         m_window->showPage(names.at(FirstPage));
+        m_window->monitor()->clear();
         isSaved = savePicture(settledPicture([this] { return picture(m_window); }), QStringLiteral("gallery"));
     }
     for (const QString &name : names)

@@ -15,7 +15,8 @@ constexpr double HalfSeen = 0.5;
 UtilsButtonGroup *newGroup(const QStringList &names, EventMonitor *monitor, QWidget *parent)
 {
     auto *group = new UtilsButtonGroup(parent);
-    group->addButtons(names);
+    for (const QString &name : names)
+        group->addButton(name, group->count());
     group->setButtonsMinSize(SmallestButton.width(), SmallestButton.height());
     group->setButtonsMaxSize(LargestButton.width(), LargestButton.height());
     monitor->watch(group, &UtilsButtonGroup::signalButtonClicked, QStringLiteral("signalButtonClicked"));

@@ -36,6 +36,7 @@ ProcessingPage::ProcessingPage(EventMonitor *events, QWidget *parent)
         content->getLogger()->setLineAnimationDuration(0);
         content->getLogger()->addMessage(tr("Connecting..."), LOGGER_MESSAGE_DEFAULT);
         content->getLogger()->addMessage(tr("Erasing..."), LOGGER_MESSAGE_DEFAULT);
+        content->expandButton();
         return content;
     });
 

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int NavigationHeight = 330;
+constexpr int NavigationHeight = 370;
 constexpr int ColumnHeight = 210;
 
 } // namespace
