@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr QSize InitialSize(1080, 680);
+constexpr QSize InitialSize(1080, 840);
 constexpr int NavigationWidth = 180;
 constexpr int MonitorHeight = 110;
 constexpr int ToolBarSpacing = 8;

@@ -16,8 +16,8 @@
 #include <QImage>
 #include <QPainter>
 #include <QPointer>
-#include <QVariantAnimation>
 #include <QTimer>
+#include <QVariantAnimation>
 
 #include <functional>
 
@@ -63,10 +63,10 @@ QImage settledPicture(const std::function<QImage()> &take)
     return picture;
 }
 
-QImage picture(QWidget *widget)
+QImage picture(QWidget *widget, const QRect &area = QRect(QPoint(), QSize(-1, -1)))
 {
     rewind(widget);
-    return widget->grab().toImage();
+    return widget->grab(area).toImage();
 }
 
 } // namespace
@@ -110,7 +110,8 @@ bool Screenshots::savePage(const QString &name)
     m_window->monitor()->clear();
     if (QWidget *focused = QApplication::focusWidget())
         focused->clearFocus();
-    if (!savePicture(settledPicture([page] { return picture(page); }), name))
+    const QRect area(page->mapTo(m_window, QPoint()), page->size());
+    if (!savePicture(settledPicture([this, area] { return picture(m_window, area); }), name))
         return false;
 
     for (const GalleryPage::Popup &popup : page->popups()) {

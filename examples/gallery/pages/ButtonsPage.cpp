@@ -8,7 +8,6 @@
 namespace {
 
 constexpr QSize SwitchSize(48, 24);
-constexpr QSize LargestButton(90, 32);
 constexpr QSize SmallestButton(60, 28);
 constexpr double HalfSeen = 0.5;
 
@@ -18,7 +17,6 @@ UtilsButtonGroup *newGroup(const QStringList &names, EventMonitor *monitor, QWid
     for (const QString &name : names)
         group->addButton(name, group->count());
     group->setButtonsMinSize(SmallestButton.width(), SmallestButton.height());
-    group->setButtonsMaxSize(LargestButton.width(), LargestButton.height());
     monitor->watch(group, &UtilsButtonGroup::signalButtonClicked, QStringLiteral("signalButtonClicked"));
     return group;
 }

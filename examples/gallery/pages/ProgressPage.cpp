@@ -10,6 +10,7 @@ namespace {
 constexpr int Part = 40; // percent
 constexpr int Full = 100;
 constexpr int Seconds = 30;
+constexpr unsigned int GlideDuration = 400; // milliseconds
 constexpr int ThickLine = 6;
 constexpr int ThickLineLength = 6;
 constexpr int ThinBar = 6; // pixels
@@ -17,8 +18,10 @@ constexpr int ThinBar = 6; // pixels
 UtilsProgressBar *newBar(int value, EventMonitor *monitor, QWidget *parent)
 {
     auto *bar = new UtilsProgressBar(parent);
-    monitor->watch(bar, &UtilsProgressBar::valueChanged, QStringLiteral("valueChanged"));
+    bar->setAnimationDuration(0);
     bar->setValue(value);
+    bar->setAnimationDuration(GlideDuration);
+    monitor->watch(bar, &UtilsProgressBar::valueChanged, QStringLiteral("valueChanged"));
     return bar;
 }
 
