@@ -28,6 +28,7 @@ constexpr int LooksAlike = 3; // after which it stands still
 constexpr int LongestMovement = 15'000; // milliseconds
 constexpr int SpinnerLines = 11;
 constexpr int FirstPage = 0;
+constexpr int Surroundings = 30; // pixels of the dimmed window around a dialog
 
 void wait(int milliseconds)
 {
@@ -145,5 +146,9 @@ QImage Screenshots::popupPicture(QWidget *popup) const
     // A frame lies over the window, which is seen through it.
     QImage whole = m_window->grab().toImage();
     QPainter(&whole).drawImage(QPoint(), taken);
-    return whole;
+    const QWidget *card = popup->findChild<QWidget *>(QStringLiteral("frame_dialog"));
+    const QRectF area(QPointF(card->mapTo(popup, QPoint(-Surroundings, -Surroundings))),
+                      card->size() + 2 * QSize(Surroundings, Surroundings));
+    const qreal ratio = whole.devicePixelRatio();
+    return whole.copy(QRectF(area.topLeft() * ratio, area.size() * ratio).toRect());
 }

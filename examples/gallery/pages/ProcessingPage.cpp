@@ -13,6 +13,7 @@ constexpr int Part = 40; // percent
 constexpr int Busy = -1; // percent
 constexpr int Success = 0;
 constexpr int LinkBroken = 5; // any status but 0
+constexpr int ContentHeight = 200;
 
 void succeed(QWidget *dialog)
 {
@@ -28,6 +29,7 @@ ProcessingPage::ProcessingPage(EventMonitor *events, QWidget *parent)
 {
     addSample(tr("Content"), [](QWidget *page) {
         auto *content = new UtilsDialogProcessingContent(page);
+        content->setFixedHeight(ContentHeight);
         content->setMessage(tr("Writing flash"));
         content->getProgressBar()->setRange(0, 100);
         content->getProgressBar()->setValue(Part);
