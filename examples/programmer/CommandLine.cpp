@@ -30,6 +30,7 @@ const QString TimeoutOption = QStringLiteral("timeout");
 const QString WiFiOption = QStringLiteral("wifi");
 const QString PasswordFileOption = QStringLiteral("password-file");
 const QString DevicePasswordFileOption = QStringLiteral("device-password-file");
+const QString UpdateUrlOption = QStringLiteral("update-url");
 const QString NoDriverOption = QStringLiteral("no-driver");
 
 constexpr char PasswordVariable[] = "UNIPROG_WIFI_PASSWORD";
@@ -113,6 +114,8 @@ void describeOptions(QCommandLineParser *parser)
         {ThemeOption,
          QStringLiteral("The look: %1. The first one by default.").arg(Appearance::themes().join(QStringLiteral(", "))),
          QStringLiteral("THEME"), Appearance::themes().constFirst()},
+        {UpdateUrlOption, QStringLiteral("Ask for newer versions at URL: lines \"suite=1.2\" and \"firmware=2.3\"."),
+         QStringLiteral("URL")},
         {PicturesOption, QStringLiteral("Leave pictures of the window in the folder DIR."), QStringLiteral("DIR")},
         {TimeoutOption, QStringLiteral("Give up after S seconds. 300 by default."), QStringLiteral("S")},
     });
@@ -273,6 +276,7 @@ bool readCommandLine(const QStringList &arguments, CommandLine *commandLine, QSt
                      .arg(commandLine->theme, Appearance::themes().join(QStringLiteral(", ")));
         return false;
     }
+    commandLine->updateUrl = parser.value(UpdateUrlOption);
     commandLine->pictures = parser.value(PicturesOption);
     if (parser.isSet(VerifyOption))
         commandLine->operationOptions.append({TargetOptionsOperation::VerifyAfterWrite, 1});

@@ -1,12 +1,16 @@
 #include "MainWindow.h"
 
+#include "Appearance.h"
 #include "DeviceFirmwarePage.h"
 #include "FaultPanel.h"
 #include "FirmwareFile.h"
+#include "NotificationPanel.h"
 #include "OperationButtons.h"
+#include "OptionsPanel.h"
 #include "PowerModulePage.h"
 
 #include <UtilsDialogProcessing.h>
+#include <UtilsHelpContextMenu.h>
 #include <UtilsMisc.h>
 #include <UtilsSingleInstance.h>
 #include <UtilsTabWidget.h>
@@ -31,7 +35,6 @@ constexpr QSize InitialSize(820, 540);
 constexpr int HexadecimalBase = 16;
 constexpr int AddressDigits = 8;
 constexpr int RangesShown = 3;
-constexpr int EraseWhatIsNeeded = 2; // value of the operation option "erase mode"
 
 QString address(quint32 value)
 {
@@ -99,6 +102,7 @@ void MainWindow::setupForm()
     resultLabel->setObjectName(QStringLiteral("result"));
     resultLabel->setWordWrap(true);
     layout->addWidget(resultLabel);
+    layout->addWidget(createFooter());
     setCentralWidget(central);
 }
 
@@ -110,7 +114,11 @@ void MainWindow::addPages()
     connect(device, &DeviceFirmwarePage::failed, this,
             [this](const QString &message) { showOutcome(message, LOGGER_MESSAGE_ERROR); });
     connect(power, &PowerModulePage::requested, this, &MainWindow::run);
-    pages->addTab(createTargetPage(), tr("Target"));
+    QWidget *target = createTargetPage();
+    new UtilsHelpContextMenu(target, QStringLiteral("programmer/target.html"));
+    new UtilsHelpContextMenu(device, QStringLiteral("programmer/device.html"));
+    new UtilsHelpContextMenu(power, QStringLiteral("programmer/power.html"));
+    pages->addTab(target, tr("Target"));
     pages->addTab(device, tr("Device firmware"));
     pages->addTab(power, tr("Power module"));
     pages->setCurrentIndex(0);
@@ -123,7 +131,7 @@ QWidget *MainWindow::createTargetPage()
     page->setObjectName(QStringLiteral("targetPage"));
     auto *layout = new QGridLayout(page);
     layout->addWidget(createImageGroup(), 0, 0, 1, 2);
-    layout->addWidget(createOptionsGroup(), 1, 0);
+    layout->addWidget(createOptionsPanel(), 1, 0);
     layout->addWidget(new FaultPanel(session, page), 1, 1);
     auto *buttons = new OperationButtons(session, ProgrammerSession::Subject::Target, page);
     connect(buttons, &OperationButtons::requested, this, &MainWindow::run);
@@ -170,46 +178,52 @@ QGroupBox *MainWindow::createImageGroup()
     return group;
 }
 
-QGroupBox *MainWindow::createOptionsGroup()
+QWidget *MainWindow::createOptionsPanel()
 {
-    auto *group = new QGroupBox(tr("Options"));
-    auto *layout = new QVBoxLayout(group);
-    TargetOptionsOperation *operation = &session->operationOptions();
-
-    auto *eraseMode = new QComboBox;
-    eraseMode->setObjectName(QStringLiteral("eraseMode"));
-    eraseMode->setAccessibleName(tr("What is erased before a write"));
-    eraseMode->addItem(tr("Erase the whole target before a write"), 0);
-    eraseMode->addItem(tr("Erase only what the image needs"), EraseWhatIsNeeded);
-    const int mode = operation->getIntValue(TargetOptionsOperation::EraseMode);
-    eraseMode->setCurrentIndex(mode == EraseWhatIsNeeded ? 1 : 0);
-    connect(eraseMode, &QComboBox::currentIndexChanged, this,
-            [=] { operation->setIntValue(TargetOptionsOperation::EraseMode, eraseMode->currentData().toInt()); });
-    layout->addWidget(eraseMode);
-
-    layout->addWidget(createOption(QStringLiteral("leaveRunning"), tr("Leave the target running"), operation,
-                                   TargetOptionsOperation::LeaveRunning));
-    layout->addWidget(createOption(QStringLiteral("verifyAfterWrite"), tr("Verify after a write"), operation,
-                                   TargetOptionsOperation::VerifyAfterWrite));
-    layout->addWidget(createOption(QStringLiteral("haltAfterReset"), tr("Halt the target after a reset"),
-                                   &session->connectionOptions(), TargetOptionsConnection::HaltAfterReset));
-    layout->addStretch();
-
+    auto *panel = new OptionsPanel(session, this);
     autoCloseBox = new QCheckBox(tr("Close the dialog after a success"));
     autoCloseBox->setObjectName(QStringLiteral("autoClose"));
     autoCloseBox->setChecked(autoClose);
     connect(autoCloseBox, &QCheckBox::toggled, this, [this](bool checked) { autoClose = checked; });
-    layout->addWidget(autoCloseBox);
-    return group;
+    panel->addBelow(autoCloseBox);
+    return panel;
 }
 
-QCheckBox *MainWindow::createOption(const QString &name, const QString &text, TargetOptions *options, int option)
+/// What concerns no single page: notifications, updates and the theme.
+QWidget *MainWindow::createFooter()
 {
-    auto *box = new QCheckBox(text);
-    box->setObjectName(name);
-    box->setChecked(options->getIntValue(option) != 0);
-    connect(box, &QCheckBox::toggled, this, [=](bool checked) { options->setIntValue(option, checked ? 1 : 0); });
-    return box;
+    auto *footer = new QWidget(this);
+    auto *layout = new QHBoxLayout(footer);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(new NotificationPanel(footer), 1);
+
+    updateButton = new QToolButton(footer);
+    updateButton->setObjectName(QStringLiteral("checkForUpdates"));
+    updateButton->setText(tr("Check for updates"));
+    updateButton->setEnabled(false);
+    connect(updateButton, &QToolButton::clicked, &updateCheck, &UpdateCheck::start);
+    connect(&updateCheck, &UpdateCheck::finished, this, [this](const QString &outcome, bool ok) {
+        showOutcome(outcome, ok ? LOGGER_MESSAGE_SUCCESS : LOGGER_MESSAGE_ERROR);
+    });
+    connect(&updateCheck, &UpdateCheck::chosen, this,
+            [this](const QString &text) { showOutcome(text, LOGGER_MESSAGE_SUCCESS); });
+    layout->addWidget(updateButton);
+
+    auto *theme = new QComboBox(footer);
+    theme->setObjectName(QStringLiteral("theme"));
+    theme->setAccessibleName(tr("Theme"));
+    theme->addItems(Appearance::themes());
+    theme->setCurrentText(Appearance::current());
+    connect(theme, &QComboBox::currentTextChanged, this, &Appearance::apply);
+    layout->addWidget(theme);
+    return footer;
+}
+
+void MainWindow::setUpdateUrl(const QString &url)
+{
+    updateCheck.setUrl(url);
+    updateButton->setEnabled(!url.isEmpty());
+    updateCheck.start();
 }
 
 void MainWindow::chooseImage()

@@ -2,6 +2,7 @@
 #define MAINWINDOW_H
 
 #include "ProgrammerSession.h"
+#include "UpdateCheck.h"
 
 #include <QList>
 #include <QMainWindow>
@@ -32,6 +33,10 @@ public:
     /// Whether the dialog of an operation closes by itself after a success. On at first.
     void setAutoClose(bool enabled);
 
+    /// Where newer versions are asked for: now, and by a button. Nothing is asked, and the button is off, for an empty
+    /// one.
+    void setUpdateUrl(const QString &url);
+
     /// Starts @p operation under a processing dialog, which is returned and deletes itself when it is closed. Null when
     /// the session does not start it.
     UtilsDialogProcessing *run(ProgrammerSession::Operation operation);
@@ -39,10 +44,10 @@ public:
 private:
     void setupForm();
     QGroupBox *createImageGroup();
-    QGroupBox *createOptionsGroup();
+    QWidget *createOptionsPanel();
+    QWidget *createFooter();
     QWidget *createTargetPage();
     void addPages();
-    QCheckBox *createOption(const QString &name, const QString &text, TargetOptions *options, int option);
 
     void chooseImage();
     void loadImage();
@@ -64,6 +69,8 @@ private:
     QLineEdit *baseEdit = nullptr;
     QLabel *imageLabel = nullptr;
     QCheckBox *autoCloseBox = nullptr;
+    UpdateCheck updateCheck;
+    QToolButton *updateButton = nullptr;
     UtilsTabWidget *pages = nullptr;
     QList<OperationButtons *> operationButtons;
     QToolButton *saveButton = nullptr;

@@ -75,6 +75,7 @@ int main(int argc, char **argv)
 
     Appearance::apply(commandLine.theme);
     MainWindow window(&session);
+    window.setUpdateUrl(commandLine.updateUrl);
     if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
         if (commandLine.operations.isEmpty())
             return refuse(QStringLiteral("Without a display, say what to do with --operation; see --help."),

@@ -13,6 +13,9 @@ QStringList themes();
 /// Gives the application the look of @p theme, also while it runs.
 void apply(const QString &theme);
 
+/// The theme that was applied last; empty before.
+QString current();
+
 } // namespace Appearance
 
 #endif // APPEARANCE_H
