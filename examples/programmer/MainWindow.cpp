@@ -4,6 +4,7 @@
 #include "DeviceFirmwarePage.h"
 #include "FaultPanel.h"
 #include "FirmwareFile.h"
+#include "ImagePanel.h"
 #include "NotificationPanel.h"
 #include "OperationButtons.h"
 #include "OptionsPanel.h"
@@ -19,28 +20,15 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFileDialog>
-#include <QFormLayout>
 #include <QGridLayout>
-#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLineEdit>
-#include <QRegularExpressionValidator>
 #include <QToolButton>
 #include <QVBoxLayout>
 
 namespace {
 
 constexpr QSize InitialSize(820, 540);
-constexpr int HexadecimalBase = 16;
-constexpr int AddressDigits = 8;
-constexpr int RangesShown = 3;
-
-QString address(quint32 value)
-{
-    return QStringLiteral("0x%1").arg(QString::number(value, HexadecimalBase).toUpper(), AddressDigits,
-                                      QLatin1Char('0'));
-}
 
 } // namespace
 
@@ -53,9 +41,8 @@ MainWindow::MainWindow(ProgrammerSession *programmerSession, QWidget *parent)
 {
     setupForm();
     UtilsSingleInstance::setAppMainWidget(this);
-    connect(session, &ProgrammerSession::imageChanged, this, &MainWindow::showImage);
     connect(session, &ProgrammerSession::completed, this, &MainWindow::operationCompleted);
-    showImage();
+    updateButtons();
 }
 
 MainWindow::~MainWindow() = default;
@@ -130,7 +117,10 @@ QWidget *MainWindow::createTargetPage()
     auto *page = new QWidget;
     page->setObjectName(QStringLiteral("targetPage"));
     auto *layout = new QGridLayout(page);
-    layout->addWidget(createImageGroup(), 0, 0, 1, 2);
+    imagePanel = new ImagePanel(session, page);
+    connect(imagePanel, &ImagePanel::failed, this,
+            [this](const QString &message) { showOutcome(message, LOGGER_MESSAGE_ERROR); });
+    layout->addWidget(imagePanel, 0, 0, 1, 2);
     layout->addWidget(createOptionsPanel(), 1, 0);
     layout->addWidget(new FaultPanel(session, page), 1, 1);
     auto *buttons = new OperationButtons(session, ProgrammerSession::Subject::Target, page);
@@ -143,39 +133,6 @@ QWidget *MainWindow::createTargetPage()
     layout->setColumnStretch(0, 1);
     layout->setColumnStretch(1, 1);
     return page;
-}
-
-QGroupBox *MainWindow::createImageGroup()
-{
-    auto *group = new QGroupBox(tr("Firmware image"));
-    auto *layout = new QFormLayout(group);
-
-    auto *row = new QHBoxLayout;
-    pathEdit = new QLineEdit;
-    pathEdit->setObjectName(QStringLiteral("imagePath"));
-    pathEdit->setPlaceholderText(tr("A .bin, .hex or .s19 file"));
-    connect(pathEdit, &QLineEdit::returnPressed, this, &MainWindow::loadImage);
-    row->addWidget(pathEdit);
-    auto *browse = new QToolButton;
-    browse->setObjectName(QStringLiteral("browse"));
-    browse->setText(tr("Choose..."));
-    connect(browse, &QToolButton::clicked, this, &MainWindow::chooseImage);
-    row->addWidget(browse);
-    layout->addRow(tr("&File:"), row);
-    static_cast<QLabel *>(layout->labelForField(row))->setBuddy(pathEdit);
-
-    baseEdit = new QLineEdit(address(0));
-    baseEdit->setObjectName(QStringLiteral("binaryBase"));
-    baseEdit->setValidator(
-        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("(0[xX])?[0-9a-fA-F]{1,8}")), baseEdit));
-    connect(baseEdit, &QLineEdit::returnPressed, this, &MainWindow::loadImage);
-    layout->addRow(tr("&Start of a .bin file:"), baseEdit);
-
-    imageLabel = new QLabel;
-    imageLabel->setObjectName(QStringLiteral("imageSummary"));
-    imageLabel->setWordWrap(true);
-    layout->addRow(tr("Content:"), imageLabel);
-    return group;
 }
 
 QWidget *MainWindow::createOptionsPanel()
@@ -219,35 +176,16 @@ QWidget *MainWindow::createFooter()
     return footer;
 }
 
+void MainWindow::rememberImage()
+{
+    imagePanel->rememberChoice();
+}
+
 void MainWindow::setUpdateUrl(const QString &url)
 {
     updateCheck.setUrl(url);
     updateButton->setEnabled(!url.isEmpty());
     updateCheck.start();
-}
-
-void MainWindow::chooseImage()
-{
-    const QString path = QFileDialog::getOpenFileName(this, tr("Firmware image"), session->imagePath(),
-                                                      tr("Firmware images (*.bin *.hex *.ihex *.s19 *.s28 *.s37 "
-                                                         "*.srec *.mot);;All files (*)"));
-    if (path.isEmpty())
-        return;
-    pathEdit->setText(path);
-    loadImage();
-}
-
-void MainWindow::loadImage()
-{
-    bool ok = false;
-    const quint32 base = baseEdit->text().toUInt(&ok, HexadecimalBase);
-    QString error;
-    if (!ok)
-        error = tr("The start of the file is no address.");
-    else
-        session->loadImage(pathEdit->text(), base, &error);
-    if (!error.isEmpty())
-        showOutcome(error, LOGGER_MESSAGE_ERROR);
 }
 
 void MainWindow::saveContents()
@@ -261,24 +199,6 @@ void MainWindow::saveContents()
         showOutcome(tr("Stored in %1.").arg(path), LOGGER_MESSAGE_SUCCESS);
     else
         showOutcome(error, LOGGER_MESSAGE_ERROR);
-}
-
-void MainWindow::showImage()
-{
-    const QList<MemoryManager::Segment> segments = session->image().segments();
-    QStringList ranges;
-    for (const MemoryManager::Segment &segment : segments.mid(0, RangesShown))
-        ranges.append(QStringLiteral("%1 - %2").arg(address(segment.address),
-                                                    address(segment.address + quint32(segment.data.size() - 1))));
-    if (segments.size() > RangesShown)
-        ranges.append(tr("and %1 more").arg(segments.size() - RangesShown));
-
-    if (!session->imagePath().isEmpty())
-        pathEdit->setText(session->imagePath());
-    imageLabel->setText(segments.isEmpty()
-                            ? tr("No image yet")
-                            : tr("%1 bytes at %2").arg(session->image().size()).arg(ranges.join(tr(", "))));
-    updateButtons();
 }
 
 void MainWindow::updateButtons()

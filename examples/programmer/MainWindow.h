@@ -9,11 +9,9 @@
 #include <QPointer>
 
 class QCheckBox;
-class QComboBox;
-class QGroupBox;
 class QLabel;
-class QLineEdit;
 class QToolButton;
+class ImagePanel;
 class OperationButtons;
 class UtilsTabWidget;
 class UtilsDialogProcessing;
@@ -33,6 +31,9 @@ public:
     /// Whether the dialog of an operation closes by itself after a success. On at first.
     void setAutoClose(bool enabled);
 
+    /// See ImagePanel::rememberChoice().
+    void rememberImage();
+
     /// Where newer versions are asked for: now, and by a button. Nothing is asked, and the button is off, for an empty
     /// one.
     void setUpdateUrl(const QString &url);
@@ -43,16 +44,12 @@ public:
 
 private:
     void setupForm();
-    QGroupBox *createImageGroup();
     QWidget *createOptionsPanel();
     QWidget *createFooter();
     QWidget *createTargetPage();
     void addPages();
 
-    void chooseImage();
-    void loadImage();
     void saveContents();
-    void showImage();
     void updateButtons();
     void showOutcome(const QString &text, LOGGER_MESSAGE_TYPE type);
     void operationCompleted(ProgrammerSession::Operation operation, int status, const QString &message);
@@ -65,11 +62,9 @@ private:
     int lastStatus = 0;
     QString lastMessage;
 
-    QLineEdit *pathEdit = nullptr;
-    QLineEdit *baseEdit = nullptr;
-    QLabel *imageLabel = nullptr;
     QCheckBox *autoCloseBox = nullptr;
     UpdateCheck updateCheck;
+    ImagePanel *imagePanel = nullptr;
     QToolButton *updateButton = nullptr;
     UtilsTabWidget *pages = nullptr;
     QList<OperationButtons *> operationButtons;

@@ -23,10 +23,9 @@ OptionsPanel::OptionsPanel(ProgrammerSession *session, QWidget *parent)
     UtilsOption *erase = add(tr("Erase before a write"), operation, TargetOptionsOperation::EraseMode);
     erase->addItem(EraseEverything, tr("The whole target"));
     erase->addItem(EraseWhatIsNeeded, tr("What the image needs"));
-    addSwitch(tr("Leave the target running"), operation, TargetOptionsOperation::LeaveRunning);
+    addSwitch(tr("Leave target running"), operation, TargetOptionsOperation::LeaveRunning);
     addSwitch(tr("Verify after a write"), operation, TargetOptionsOperation::VerifyAfterWrite);
-    addSwitch(tr("Halt the target after a reset"), &session->connectionOptions(),
-              TargetOptionsConnection::HaltAfterReset);
+    addSwitch(tr("Halt after a reset"), &session->connectionOptions(), TargetOptionsConnection::HaltAfterReset);
 
     QWidget *panel = list.createGraphicInterface(this);
     layout->addWidget(panel);

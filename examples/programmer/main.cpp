@@ -82,6 +82,7 @@ int main(int argc, char **argv)
                           HeadlessRun::UsageError);
         return HeadlessRun(commandLine, &session, &window).exec();
     }
+    window.rememberImage();
     window.show();
     return QApplication::exec();
 }

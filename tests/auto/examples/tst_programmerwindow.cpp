@@ -1,18 +1,24 @@
+#include <Appearance.h>
 #include <MainWindow.h>
 #include <ProgrammerSession.h>
 #include <UtilsDialog.h>
 #include <UtilsDialogProcessing.h>
+#include <UtilsHelpContextMenu.h>
 
 #include <UniProgTest.h>
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPointer>
+#include <QSettings>
 #include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QToolButton>
 #include <QtEndian>
@@ -26,6 +32,7 @@ class tst_ProgrammerWindow : public UniProgTest
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase();
     void withoutAnImageNothingCanBeWrittenOrVerified();
     void everyButtonRunsItsOperationUnderADialog_data();
     void everyButtonRunsItsOperationUnderADialog();
@@ -38,9 +45,17 @@ private Q_SLOTS:
     void thePowerModuleIsUpdatedStepByStep();
     void withoutADriverADeviceIsMissed();
     void theOptionsReachTheTarget();
+    void anUnknownOptionValueIsKept();
+    void theChosenImageIsRememberedAndWatched();
+    void newerVersionsAreAnnounced();
+    void everyPageOffersHelp();
+    void theThemeChangesAtRunTime();
     void faultsAreAddedAndForgotten();
     void aBadFileIsSaid();
     void theWindowMayGoWhileAnOperationHangs();
+
+private:
+    QTemporaryDir settings;
 };
 
 namespace {
@@ -119,6 +134,11 @@ bool closeWithButton(const QPointer<UtilsDialogProcessing> &dialog)
 }
 
 } // namespace
+
+void tst_ProgrammerWindow::initTestCase()
+{
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path()); // no trace in the user's own
+}
 
 void tst_ProgrammerWindow::withoutAnImageNothingCanBeWrittenOrVerified()
 {
@@ -308,18 +328,121 @@ void tst_ProgrammerWindow::withoutADriverADeviceIsMissed()
 void tst_ProgrammerWindow::theOptionsReachTheTarget()
 {
     Application application;
-    application.find<QComboBox>("eraseMode")->setCurrentIndex(1);
-    application.find<QCheckBox>("leaveRunning")->setChecked(true);
-    application.find<QCheckBox>("verifyAfterWrite")->setChecked(true);
-    application.find<QCheckBox>("haltAfterReset")->setChecked(true);
-    QCOMPARE(application.session.operationOptions().getIntValue(0), 2);
-    QCOMPARE(application.session.operationOptions().getIntValue(1), 1);
-    QCOMPARE(application.session.operationOptions().getIntValue(2), 1);
-    QCOMPARE(application.session.connectionOptions().getIntValue(5), 1);
-    application.find<QComboBox>("eraseMode")->setCurrentIndex(0);
-    application.find<QCheckBox>("verifyAfterWrite")->setChecked(false);
-    QCOMPARE(application.session.operationOptions().getIntValue(0), 0);
-    QCOMPARE(application.session.operationOptions().getIntValue(2), 0);
+    const auto boxes = application.find<QGroupBox>("optionsPanel")->findChildren<QComboBox *>();
+    QCOMPARE(boxes.size(), 4);
+    const auto values = [&] {
+        const TargetOptionsOperation &operation = application.session.operationOptions();
+        return QList<int>{operation.getIntValue(0), operation.getIntValue(1), operation.getIntValue(2),
+                          application.session.connectionOptions().getIntValue(5)};
+    };
+    for (QComboBox *box : boxes)
+        box->setCurrentIndex(1);
+    QCOMPARE(values(), QList<int>({2, 1, 1, 1}));
+    boxes.at(0)->setCurrentIndex(0);
+    boxes.at(2)->setCurrentIndex(0);
+    QCOMPARE(values(), QList<int>({0, 1, 0, 1}));
+}
+
+void tst_ProgrammerWindow::anUnknownOptionValueIsKept()
+{
+    ProgrammerSession session;
+    session.operationOptions().setIntValue(0, 7);
+    session.operationOptions().setIntValue(1, -1);
+    const MainWindow window(&session);
+    const auto boxes = window.findChild<QGroupBox *>(QStringLiteral("optionsPanel"))->findChildren<QComboBox *>();
+    boxes.at(2)->setCurrentIndex(1);
+    QCOMPARE(session.operationOptions().getIntValue(0), 7);
+    QCOMPARE(session.operationOptions().getIntValue(1), -1);
+    QCOMPARE(session.operationOptions().getIntValue(2), 1);
+}
+
+void tst_ProgrammerWindow::theChosenImageIsRememberedAndWatched()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("chosen.bin"));
+    const auto store = [&](int size) {
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly) && file.write(QByteArray(size, '\x42')) == size;
+    };
+    QVERIFY(store(100));
+    {
+        Application application;
+        QTest::ignoreMessage(QtWarningMsg, "QFileSystemWatcher::addPath: path is empty"); // nothing was stored yet
+        application.window.rememberImage();
+        QVERIFY(application.find<QToolButton>("browse")->isVisible());
+        application.enterPath(path);
+        QCOMPARE(application.session.image().size(), 100);
+        QVERIFY(store(200));
+        QTRY_COMPARE_WITH_TIMEOUT(application.session.image().size(), 200, LongWait);
+    }
+    Application next;
+    next.window.rememberImage();
+    QCOMPARE(next.session.imagePath(), path);
+}
+
+void tst_ProgrammerWindow::newerVersionsAreAnnounced()
+{
+    QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    QByteArray body = QByteArrayLiteral("suite=1.10\nfirmware=1.9\nmore=1\n");
+    connect(&server, &QTcpServer::newConnection, this, [&] {
+        QTcpSocket *socket = server.nextPendingConnection();
+        connect(socket, &QTcpSocket::readyRead, socket, [socket, &body] {
+            socket->write("HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: " + QByteArray::number(body.size())
+                          + "\r\n\r\n" + body);
+            socket->disconnectFromHost();
+        });
+    });
+    Application application;
+    auto *check = application.find<QToolButton>("checkForUpdates");
+    auto *result = application.find<QLabel>("result");
+    QVERIFY(!check->isEnabled());
+    application.window.setUpdateUrl(QStringLiteral("http://127.0.0.1:%1/").arg(server.serverPort()));
+    QTRY_COMPARE_WITH_TIMEOUT(result->text(), QStringLiteral("There are updates."), LongWait);
+    QCOMPARE(application.find<QToolButton>("notification0")->text(), QStringLiteral("New Suite version available"));
+    QVERIFY(!application.find<QToolButton>("notification1"));
+    check->click();
+    QTRY_VERIFY_WITH_TIMEOUT(application.find<QToolButton>("notification0")->text().endsWith(QStringLiteral("(2)")),
+                             LongWait);
+    application.find<QToolButton>("notification0")->click();
+    QCOMPARE(result->text(), QStringLiteral("Version 1.10 of the application can be downloaded."));
+    QVERIFY(!application.find<QToolButton>("notification0"));
+
+    body = QByteArrayLiteral("suite=1.0\n");
+    check->click();
+    QTRY_COMPARE_WITH_TIMEOUT(result->text(), QStringLiteral("Everything is up to date."), LongWait);
+    server.close();
+    check->click();
+    QTRY_COMPARE_WITH_TIMEOUT(result->text(), QStringLiteral("The update server does not answer."), LongWait);
+    application.window.setUpdateUrl(QStringLiteral("http://["));
+    QVERIFY(result->text().contains(QStringLiteral("is no address")));
+}
+
+void tst_ProgrammerWindow::everyPageOffersHelp()
+{
+    Application application;
+    for (const char *const name : {"targetPage", "deviceFirmwarePage", "powerModulePage"}) {
+        QCOMPARE(application.find<QWidget>(name)->contextMenuPolicy(), Qt::CustomContextMenu);
+        QVERIFY(
+            application.find<QWidget>(name)->findChild<UtilsHelpContextMenu *>(QString(), Qt::FindDirectChildrenOnly));
+    }
+}
+
+void tst_ProgrammerWindow::theThemeChangesAtRunTime()
+{
+    Appearance::apply(QStringLiteral("dark"));
+    Application application;
+    auto *theme = application.find<QComboBox>("theme");
+    QCOMPARE(theme->currentText(), QStringLiteral("dark"));
+    const QString dark = qApp->styleSheet();
+    QVERIFY(!dark.isEmpty());
+    theme->setCurrentText(QStringLiteral("light"));
+    QVERIFY(!qApp->styleSheet().isEmpty());
+    QVERIFY(qApp->styleSheet() != dark);
+    theme->setCurrentText(QStringLiteral("dark"));
+    QCOMPARE(qApp->styleSheet(), dark);
+    qApp->setStyleSheet(QString());
 }
 
 void tst_ProgrammerWindow::faultsAreAddedAndForgotten()
