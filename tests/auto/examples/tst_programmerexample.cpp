@@ -34,6 +34,7 @@ private Q_SLOTS:
     void aHangEndsWithTheTimeout();
     void whatWasReadIsStored();
     void picturesAreLeft();
+    void thePasswordMayComeFromTheEnvironment();
     void theHelpNamesEveryOperation();
 
 private:
@@ -652,12 +653,27 @@ void tst_ProgrammerExample::picturesAreLeft()
         QVERIFY2(QFile::exists(QDir(path("wifi")).filePath(QString::fromLatin1(name) + QStringLiteral(".png"))), name);
 }
 
+void tst_ProgrammerExample::thePasswordMayComeFromTheEnvironment()
+{
+    const std::unique_ptr<QProcess> process
+        = create({QStringLiteral("--operation"), QStringLiteral("detect"), QStringLiteral("--wifi"),
+                  QStringLiteral("--device-password-file"), QStringLiteral("right.txt")});
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("UNIPROG_WIFI_PASSWORD"), QString::fromUtf8(Password));
+    process->setProcessEnvironment(environment);
+    process->start();
+    QVERIFY(process->waitForFinished(LongWait));
+    QCOMPARE(process->exitCode(), 0);
+    QVERIFY(!process->readAll().contains(Password));
+}
+
 void tst_ProgrammerExample::theHelpNamesEveryOperation()
 {
     const std::unique_ptr<QProcess> process = run({QStringLiteral("--help")});
     const QString help = programOutput(process->readAll());
     QCOMPARE(process->exitCode(), 0);
-    for (const char *const name : {"write", "read", "verify", "blank", "detect", "erase", "reset", "device-connect"})
+    for (const char *const name : {"write", "read", "verify", "blank", "detect", "erase", "reset", "device-connect",
+                                   "update-device", "update-power", "--wifi", "--update-url"})
         QVERIFY2(help.contains(QLatin1String(name)), name);
 }
 
