@@ -214,6 +214,9 @@ void tst_UtilsMisc::theLibraryTellsItsVersion()
 
 void tst_UtilsMisc::fileVersionFailsWithADebugLine_data()
 {
+#ifdef Q_OS_WIN
+    QSKIP(SystemReadsDamagedFiles);
+#endif
     using Pe = PeFileBuilder;
     QTest::addColumn<Damage>("damage");
     QTest::addColumn<QString>("line");
@@ -333,9 +336,6 @@ void tst_UtilsMisc::fileVersionFailsWithADebugLine_data()
 
 void tst_UtilsMisc::fileVersionFailsWithADebugLine()
 {
-#ifdef Q_OS_WIN
-    QSKIP(SystemReadsDamagedFiles);
-#endif
     QFETCH(Damage, damage);
     QFETCH(QString, line);
     for (const bool is64Bit : {false, true}) {
@@ -361,9 +361,12 @@ void tst_UtilsMisc::aFileThatIsNoProgramHasNoVersion_data()
             qFatal("The test's file cannot be written.");
         return made.fileName();
     };
-    QTest::newRow("no name") << QString() << 2;
     QTest::newRow("no such file") << folder.filePath(QStringLiteral("missing.exe")) << 2;
+#ifndef Q_OS_WIN
+    // Windows knows several numbers for a path that leads nowhere.
+    QTest::newRow("no name") << QString() << 2;
     QTest::newRow("no such folder") << folder.filePath(QStringLiteral("missing/program.exe")) << 2;
+#endif
     QTest::newRow("a folder") << folder.path() << 5;
     QTest::newRow("an empty file") << make(QStringLiteral("empty"), QByteArray()) << 1812;
     QTest::newRow("a text") << make(QStringLiteral("text"), QByteArray("MZ, they said.\n").repeated(100)) << 1812;
