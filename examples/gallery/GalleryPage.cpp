@@ -36,7 +36,7 @@ GalleryPage::GalleryPage(EventMonitor *monitor, QWidget *parent)
     m_samples->setColumnStretch(Enabled, 1);
     m_samples->setColumnStretch(Disabled, 1);
     layout->addLayout(m_samples);
-    layout->addStretch();
+    layout->addStretch(1);
 }
 
 GalleryPage::~GalleryPage() = default;

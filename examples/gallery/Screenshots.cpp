@@ -13,9 +13,11 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QEventLoop>
+#include <QFile>
 #include <QImage>
 #include <QPainter>
 #include <QPointer>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <QVariantAnimation>
 
@@ -71,6 +73,19 @@ QImage picture(QWidget *widget, const QRect &area = QRect(QPoint(), QSize(-1, -1
 }
 
 } // namespace
+
+void Screenshots::prepareEnvironment()
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+
+    static const QTemporaryDir folder;
+    QFile configuration(folder.filePath(QStringLiteral("fonts.conf")));
+    if (!configuration.open(QIODevice::WriteOnly))
+        return;
+    configuration.write("<?xml version=\"1.0\"?><fontconfig><cachedir>" + QFile::encodeName(folder.path())
+                        + "</cachedir></fontconfig>");
+    qputenv("FONTCONFIG_FILE", QFile::encodeName(configuration.fileName()));
+}
 
 void Screenshots::prepareApplication()
 {

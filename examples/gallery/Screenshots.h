@@ -14,6 +14,9 @@ class QWidget;
 class Screenshots
 {
 public:
+    /// Picks the platform without a display, and hides the system's fonts and its settings for them: with the
+    /// library's font alone, the pictures are the same on every machine. To be called before there is an application.
+    static void prepareEnvironment();
     /// To be called between the application's construction and that of its first widget.
     static void prepareApplication();
 

@@ -54,7 +54,7 @@ int main(int argc, char **argv)
         return say(stderr, error, UsageError);
     const bool isPicturing = !options.screenshots.isEmpty();
     if (isPicturing || options.help) {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+        Screenshots::prepareEnvironment();
         qInstallMessageHandler(dropOffscreenNotices);
     }
     qputenv("QT_SCALE_FACTOR", QByteArray::number(options.scale / Percent));
