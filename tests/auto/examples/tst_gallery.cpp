@@ -42,7 +42,7 @@ namespace {
 
 constexpr int LongWait = 120'000; // milliseconds
 constexpr int VisibleDifference = 40; // of 255, in one of the colours of a pixel
-constexpr double ToleratedFraction = 0.001; // of the pixels
+constexpr double ToleratedFraction = 0.0002; // of the pixels
 
 GalleryOptions darkOptions()
 {
