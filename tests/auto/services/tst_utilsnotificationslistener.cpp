@@ -9,6 +9,7 @@
 #include <QSemaphore>
 #include <QThread>
 
+#include <atomic>
 #include <memory>
 #include <type_traits>
 
@@ -26,8 +27,8 @@ public:
         calls.release();
     }
 
-    int heard = -1;
-    QThread *thread = nullptr;
+    std::atomic<int> heard{-1}; // atomic: the semaphore's hand-over is invisible to ThreadSanitizer
+    std::atomic<QThread *> thread{nullptr};
     QSemaphore calls;
 };
 
@@ -81,7 +82,7 @@ void tst_UtilsNotificationsListener::theSlotIsCalledByNameToo()
                     SLOT(slotNotificationExecuted(UtilsNotificatonsType))));
     centre.addNotification(NOTIFICATION_NEW_FIRMWARE_VERSION);
     centre.executeNotification(NOTIFICATION_NEW_FIRMWARE_VERSION);
-    QCOMPARE(listener.heard, int(NOTIFICATION_NEW_FIRMWARE_VERSION));
+    QCOMPARE(listener.heard.load(), int(NOTIFICATION_NEW_FIRMWARE_VERSION));
 }
 
 void tst_UtilsNotificationsListener::aDeletedListenerIsForgotten()
@@ -132,8 +133,8 @@ void tst_UtilsNotificationsListener::aListenerInAnotherThreadHearsThere()
     thread.quit();
     QVERIFY(thread.wait(PatienceMs));
     QVERIFY(called);
-    QCOMPARE(listener.heard, int(NOTIFICATION_NEW_FIRMWARE_VERSION));
-    QCOMPARE(listener.thread, &thread);
+    QCOMPARE(listener.heard.load(), int(NOTIFICATION_NEW_FIRMWARE_VERSION));
+    QCOMPARE(listener.thread.load(), &thread);
 }
 
 UNIPROG_TEST_MAIN(tst_UtilsNotificationsListener)
