@@ -1,13 +1,13 @@
 #include <UtilsLcdNumber.h>
 
 #include <AccessibleEvents.h>
+#include <ContextTranslator.h>
 #include <UniProgTest.h>
 
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QLCDNumber>
 #include <QLocale>
-#include <QTranslator>
 
 #include <climits>
 #include <limits>
@@ -82,22 +82,8 @@ void tst_UtilsLcdNumber::aNameOfTheOwnerIsKept()
 
 void tst_UtilsLcdNumber::theTitleIsTranslatedInTheContextOfTheClass()
 {
-    class ContextTranslator : public QTranslator
-    {
-    public:
-        bool isEmpty() const override
-        {
-            return false;
-        }
-        QString translate(const char *context, const char *text, const char *, int) const override
-        {
-            const bool ours = qstrcmp(context, "UtilsLcdNumber") == 0;
-            return ours ? QStringLiteral("<%1>").arg(QLatin1String(text)) : QString();
-        }
-    } translator;
-    QVERIFY(QCoreApplication::installTranslator(&translator));
+    const ContextTranslator translator("UtilsLcdNumber");
     const UtilsLcdNumber number(nullptr, 0.0);
-    QCoreApplication::removeTranslator(&translator);
     QCOMPARE(number.windowTitle(), QStringLiteral("<Frame>"));
 }
 

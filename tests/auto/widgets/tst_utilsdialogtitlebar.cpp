@@ -1,5 +1,6 @@
 #include <UtilsDialogTitlebar.h>
 
+#include <ContextTranslator.h>
 #include <UniProgTest.h>
 
 #include <QAccessible>
@@ -10,7 +11,6 @@
 #include <QSignalSpy>
 #include <QStyle>
 #include <QToolButton>
-#include <QTranslator>
 #include <QVBoxLayout>
 
 static const QColor Light("#e8eaed");
@@ -171,26 +171,10 @@ void tst_UtilsDialogTitlebar::theButtonsAreAsTheStyleExpects()
     QCOMPARE(close->styleSheet(), QStringLiteral("QToolButton\n{\n\tpadding: 0px;\n}"));
 }
 
-class ContextTranslator : public QTranslator
-{
-public:
-    bool isEmpty() const override
-    {
-        return false;
-    }
-    QString translate(const char *context, const char *text, const char *, int) const override
-    {
-        return qstrcmp(context, "UtilsDialogTitlebar") == 0 ? QStringLiteral("<%1>").arg(QLatin1String(text))
-                                                            : QString();
-    }
-};
-
 void tst_UtilsDialogTitlebar::textsAreTranslatedInTheContextOfTheClass()
 {
-    ContextTranslator translator;
-    QVERIFY(QCoreApplication::installTranslator(&translator));
+    const ContextTranslator translator("UtilsDialogTitlebar");
     const UtilsDialogTitlebar bar(nullptr);
-    QCoreApplication::removeTranslator(&translator);
     QCOMPARE(bar.windowTitle(), QStringLiteral("<Frame>"));
     QCOMPARE(bar.findChild<QLabel *>("titleLabel")->text(), QStringLiteral("<TextLabel>"));
     QCOMPARE(bar.getMaximizeButton()->accessibleName(), QStringLiteral("<Maximize>"));

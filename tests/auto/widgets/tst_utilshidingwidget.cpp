@@ -1,6 +1,7 @@
 #include <UtilsHidingWidget.h>
 
 #include <AccessibleEvents.h>
+#include <ContextTranslator.h>
 #include <UniProgTest.h>
 
 #include <QApplication>
@@ -8,7 +9,6 @@
 #include <QLayout>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTranslator>
 
 class tst_UtilsHidingWidget : public UniProgTest
 {
@@ -144,22 +144,8 @@ void tst_UtilsHidingWidget::theCardIsAsStated()
 
 void tst_UtilsHidingWidget::theTextsAreTranslatedInTheContextOfTheClass()
 {
-    class ContextTranslator : public QTranslator
-    {
-    public:
-        bool isEmpty() const override
-        {
-            return false;
-        }
-        QString translate(const char *context, const char *text, const char *, int) const override
-        {
-            const bool ours = qstrcmp(context, "UtilsHidingWidget") == 0;
-            return ours ? QStringLiteral("<%1>").arg(QLatin1String(text)) : QString();
-        }
-    } translator;
-    QVERIFY(QCoreApplication::installTranslator(&translator));
+    const ContextTranslator translator("UtilsHidingWidget");
     const UtilsHidingWidget cover;
-    QCoreApplication::removeTranslator(&translator);
     QCOMPARE(labelOf(cover)->text(), QStringLiteral("<Message>"));
     QCOMPARE(cover.windowTitle(), QStringLiteral("<Frame>"));
 }
