@@ -191,8 +191,8 @@ public Q_SLOTS:
     void SlotProcedureTargetRelated();
     void SlotProcedureControlRelated();
 
-private Q_SLOTS:
-    void SlotStartNext();
+protected:
+    void customEvent(QEvent *event) override;
 
 private:
     Q_DISABLE_COPY_MOVE(UtilsUniProgThread)
@@ -202,6 +202,7 @@ private:
     void SelectOperation(Procedure procedure);
     void StartProcedure(const char *slot);
     void PostStart();
+    void StartNext();
     void StartWorker(const char *slot);
     bool IsOnWorker() const;
 

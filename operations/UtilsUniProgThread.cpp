@@ -3,6 +3,8 @@
 #include "DeviceStatus_p.h"
 #include "DriverValues_p.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QMutexLocker>
 #include <QThread>
 
@@ -354,18 +356,25 @@ void UtilsUniProgThread::StartProcedure(const char *slot)
         waitingStarts.append(slot);
     }
     if (QThread::currentThread() == thread() && thread() == homeThread)
-        SlotStartNext();
+        StartNext();
     else
         PostStart();
 }
 
-/// By name, not by a functor: nothing but the call itself then crosses to the other thread.
+/// An event follows the object from thread to thread until it is handled.
 void UtilsUniProgThread::PostStart()
 {
-    QMetaObject::invokeMethod(this, "SlotStartNext", Qt::QueuedConnection);
+    QCoreApplication::postEvent(this, new QEvent(QEvent::User));
 }
 
-void UtilsUniProgThread::SlotStartNext()
+/// Not looked at, so that nothing but the event itself crosses to the other thread: none but PostStart() sends one, and
+/// one too many does no harm.
+void UtilsUniProgThread::customEvent(QEvent *)
+{
+    StartNext();
+}
+
+void UtilsUniProgThread::StartNext()
 {
     if (QThread::currentThread() != homeThread && !IsOnWorker()) {
         moveToThread(homeThread); // the application has moved the object away

@@ -222,6 +222,12 @@ void tst_UtilsFade::withSelfDestroyTheFadeGoesAfterItsLastFade()
     QTRY_VERIFY(!fade);
     QCOMPARE(receiver.log, QStringList({"in 1", "out 0"}));
     QVERIFY(opacityEffect(widget));
+
+    const QPointer<UtilsFade> told = new UtilsFade(&widget, &receiver, Short, Short);
+    told->SelfDestroyEnabled(true);
+    told->SlotAllAnimationsFinished();
+    QVERIFY(told); // until the event loop comes to it
+    QTRY_VERIFY(!told);
 }
 
 void tst_UtilsFade::withoutSelfDestroyTheFadeStays()
