@@ -28,14 +28,11 @@ bool ReferenceFade::hasEnded() const
 
 bool ReferenceFade::agrees() const
 {
-    return stepsOnTheWay > 0 && furthestApart < Rounding;
+    return furthestApart < Rounding;
 }
 
 void ReferenceFade::compare(double expected)
 {
-    if (!effect || animation.currentTime() == 0)
-        return;
-    if (animation.currentTime() < animation.duration())
-        ++stepsOnTheWay;
-    furthestApart = qMax(furthestApart, qAbs(effect->opacity() - expected));
+    if (effect)
+        furthestApart = qMax(furthestApart, qAbs(effect->opacity() - expected));
 }

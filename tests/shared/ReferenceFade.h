@@ -19,7 +19,7 @@ public:
     ReferenceFade(QGraphicsOpacityEffect *faded, double from, double to, int duration);
 
     bool hasEnded() const;
-    /// Whether the fade has never been elsewhere. It has to be seen on its way, too.
+    /// Whether the fade has never been elsewhere when it was looked at. A machine that is busy looks seldom.
     bool agrees() const;
 
 private:
@@ -27,7 +27,6 @@ private:
 
     QPointer<QGraphicsOpacityEffect> effect;
     QVariantAnimation animation;
-    int stepsOnTheWay = 0;
     double furthestApart = 0.0;
 };
 

@@ -5,6 +5,7 @@
 #include <UniProgTest.h>
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QThread>
 
 #include <memory>
@@ -16,6 +17,9 @@ using Answer = ScriptedDriver::Answer;
 namespace {
 
 constexpr int Probe = 12345;
+
+/// How long a request waits for its turn, in whole milliseconds that may be cut off on the way.
+constexpr qint64 PatienceMs = 5000 - 10;
 
 /// An object whose request waits for a device that another object holds.
 class Waiting
@@ -64,6 +68,7 @@ private Q_SLOTS:
     void theHolderWasNotDisturbed();
 
 private:
+    qint64 waitedFor = 0;
     std::unique_ptr<ProcedureRig> holder;
     std::unique_ptr<Waiting> watched;
     std::unique_ptr<Waiting> deleted;
@@ -79,12 +84,15 @@ void tst_UtilsUniProgThreadTimeout::initTestCase()
     holder->driver.next(Operation::FindDevice, Answer().untilReleased());
     holder->thread.FindDevice();
     QVERIFY(holder->driver.waitUntilHeld());
+    QElapsedTimer clock;
+    clock.start();
     for (auto *waiting : {&watched, &deleted, &deletedLater, &later, &foreign, &early})
         *waiting = std::make_unique<Waiting>();
     leftBehind = new Waiting;
     for (const Waiting *waiting :
          {watched.get(), deleted.get(), deletedLater.get(), later.get(), foreign.get(), early.get(), leftBehind})
         QTRY_VERIFY_WITH_TIMEOUT(waiting->gaveUp(), TestLimitMs);
+    waitedFor = clock.elapsed();
 
     // This one asks again while the device is still held.
     early->thread->FindDevice();
@@ -97,6 +105,7 @@ void tst_UtilsUniProgThreadTimeout::nothingIsEmittedAndTheWorkerStays()
     QCoreApplication::processEvents();
     QCOMPARE(watched->log.events, QStringList{ProcedureLog::progress(Probe)}); // this test's own
     QCOMPARE(watched->driver.transcript(), QStringList());
+    QVERIFY2(waitedFor >= PatienceMs, qPrintable(QString::number(waitedFor)));
     QVERIFY(watched->thread->IsProcedureInProgress());
     QCOMPARE(watched->thread->thread(), watched->worker.data());
     QVERIFY(watched->worker->isRunning());

@@ -4,10 +4,10 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QPropertyAnimation>
 #include <QProxyStyle>
 #include <QSignalSpy>
 #include <QStyleFactory>
+#include <QVariantAnimation>
 
 #include <algorithm>
 #include <limits>
@@ -31,6 +31,7 @@ private Q_SLOTS:
     void aChangeStartsFromTheValueRequestedLast();
     void aResetToZeroTakesNoTime();
     void theDurationAppliesToLaterChanges();
+    void theBarGlidesWithoutEasing_data();
     void theBarGlidesWithoutEasing();
     void aDurationPastTheLimitOfAnAnimationIsAccepted();
     void aValueOutsideTheRangeIsNotShown();
@@ -266,29 +267,46 @@ void tst_UtilsProgressBar::theDurationAppliesToLaterChanges()
     QTRY_COMPARE(bar.value(), 30);
 }
 
+void tst_UtilsProgressBar::theBarGlidesWithoutEasing_data()
+{
+    QTest::addColumn<int>("from");
+    QTest::addColumn<int>("to");
+    QTest::addColumn<int>("setDuration");
+    QTest::addColumn<int>("duration");
+    QTest::newRow("as long as it does by itself") << 0 << 1000 << -1 << 100;
+    QTest::newRow("as long as it was told") << 0 << 1000 << 300 << 300;
+    QTest::newRow("back to 0") << 1000 << 0 << 300 << 1;
+}
+
 void tst_UtilsProgressBar::theBarGlidesWithoutEasing()
 {
+    QFETCH(int, from);
+    QFETCH(int, to);
+    QFETCH(int, setDuration);
+    QFETCH(int, duration);
     // A linear animation that starts in the same turn is driven by the same clock, so the two go side by side.
     UtilsProgressBar bar;
     bar.setRange(0, 1000);
-    bar.setAnimationDuration(300);
-    QProgressBar reference;
-    reference.setRange(0, 1000);
-    QPropertyAnimation linear(&reference, "value");
-    linear.setDuration(300);
-    linear.setStartValue(0);
-    linear.setEndValue(1000);
-    int steps = 0;
+    if (from != 0) {
+        bar.setAnimationDuration(0);
+        bar.setValue(from);
+    }
+    if (setDuration >= 0)
+        bar.setAnimationDuration(unsigned(setDuration));
+    QVariantAnimation linear;
+    linear.setDuration(duration);
+    linear.setStartValue(from);
+    linear.setEndValue(to);
     int furthestApart = 0;
-    connect(&bar, &QProgressBar::valueChanged, &bar, [&](int value) {
-        ++steps;
-        furthestApart = qMax(furthestApart, qAbs(value - reference.value()));
+    connect(&linear, &QVariantAnimation::valueChanged, &bar, [&](const QVariant &expected) {
+        furthestApart = qMax(furthestApart, qAbs(expected.toInt() - bar.value()));
     });
 
+    bar.setValue(to);
+    QCOMPARE(bar.value(), from);
     linear.start();
-    bar.setValue(1000);
-    QTRY_COMPARE(bar.value(), 1000);
-    QVERIFY(steps > 1);
+    QTRY_VERIFY(linear.state() == QAbstractAnimation::Stopped);
+    QCOMPARE(bar.value(), to);
     QVERIFY2(furthestApart <= 1, qPrintable(QString::number(furthestApart)));
 }
 
