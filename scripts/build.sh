@@ -5,6 +5,9 @@ cd "$(dirname "$0")/.."
 preset=${1:-dev}
 [ $# -gt 0 ] && shift
 
+# What one checkout has compiled serves every other one.
+export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+
 scripts/install-packages.sh
 cmake --preset "$preset" --log-level=WARNING
 cmake --build --preset "$preset" "$@"
