@@ -15,6 +15,7 @@ constexpr int SecondsPerDay = 24 * 60 * 60;
 
 const QString HeadlessOption = QStringLiteral("headless");
 const QString OperationOption = QStringLiteral("operation");
+const QString DriverOption = QStringLiteral("driver");
 const QString ImageOption = QStringLiteral("image");
 const QString BaseOption = QStringLiteral("base");
 const QString OutputOption = QStringLiteral("output");
@@ -79,6 +80,9 @@ void describeOptions(QCommandLineParser *parser)
          QStringLiteral("Run OPERATION: %1. May be given several times; a failure ends the sequence.")
              .arg(operationNames().join(QStringLiteral(", "))),
          QStringLiteral("OPERATION")},
+        {DriverOption,
+         QStringLiteral("Use the target behind a GDB server, gdb:HOST:PORT, instead of the simulated programmer."),
+         QStringLiteral("DRIVER")},
         {ImageOption,
          QStringLiteral("The firmware image: a .bin, .hex or .s19 file; for update-device a firmware of the device."),
          QStringLiteral("FILE")},
@@ -264,6 +268,7 @@ bool readCommandLine(const QStringList &arguments, CommandLine *commandLine, QSt
         return false;
     }
 
+    commandLine->driver = parser.value(DriverOption);
     commandLine->image = parser.value(ImageOption);
     commandLine->output = parser.value(OutputOption);
     commandLine->compare = parser.isSet(CompareOption);

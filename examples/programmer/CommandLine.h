@@ -12,6 +12,7 @@
 struct CommandLine
 {
     QList<ProgrammerSession::Operation> operations; ///< one after another; headless only
+    QString driver; ///< see DriverChoice; empty: the simulated programmer
     QString image;
     QString deviceImage; ///< the same file, when it is for the device itself
     quint32 binaryBase = 0;

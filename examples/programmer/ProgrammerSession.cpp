@@ -58,12 +58,13 @@ const ProgrammerSession::Description &ProgrammerSession::describe(Operation oper
     return *std::find_if(all.cbegin(), all.cend(), [=](const Description &d) { return d.operation == operation; });
 }
 
-ProgrammerSession::ProgrammerSession(Driver kind, QObject *parent)
+ProgrammerSession::ProgrammerSession(Driver kind, std::unique_ptr<UniProgInterface> externalDriver, QObject *parent)
     : QObject(parent)
     , driverKind(kind)
     , selectedDevice(device.devices().constFirst())
+    , external(std::move(externalDriver))
     , operationThread(driver(), nullptr)
-    , target(device.GetTargetDescriptor())
+    , target(external ? external->GetTargetDescriptor() : device.GetTargetDescriptor())
 {
     operationThread.setObjectName(QStringLiteral("programmer"));
     connect(&operationThread, &UtilsUniProgThread::SignalProcedureCompleted, this,
@@ -84,7 +85,14 @@ SimulatedProgrammer &ProgrammerSession::programmer()
 
 UniProgInterface *ProgrammerSession::driver()
 {
+    if (external)
+        return external.get();
     return driverKind == Driver::Simulated ? &device : nullptr;
+}
+
+bool ProgrammerSession::isSimulated() const
+{
+    return external == nullptr;
 }
 
 UtilsUniProgThread &ProgrammerSession::thread()

@@ -9,6 +9,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
 /// What the application works on: a programmer, the thread that runs its operations, the image and the options. The
 /// window shows it, the command line drives it; both run every operation through start().
 ///
@@ -53,14 +55,18 @@ public:
 
     enum class Driver { Simulated, Missing };
 
-    /// With a missing driver every operation is refused as by a device that is not selected.
-    explicit ProgrammerSession(Driver kind = Driver::Simulated, QObject *parent = nullptr);
+    /// With a missing driver every operation is refused as by a device that is not selected. Operations use
+    /// @p externalDriver, which the session takes over, in place of either, unless it is null.
+    explicit ProgrammerSession(Driver kind = Driver::Simulated,
+                               std::unique_ptr<UniProgInterface> externalDriver = nullptr, QObject *parent = nullptr);
     /// A running operation is cut short.
     ~ProgrammerSession() override;
 
     SimulatedProgrammer &programmer();
     /// What operations and dialogs are given: the programmer, or null when it is missing.
     UniProgInterface *driver();
+    /// Whether the programmer is the simulated one.
+    bool isSimulated() const;
     UtilsUniProgThread &thread();
     TargetOptionsOperation &operationOptions();
     TargetOptionsConnection &connectionOptions();
@@ -116,6 +122,7 @@ private:
     const Driver driverKind;
     SimulatedProgrammer device;
     TSelectedDevice selectedDevice;
+    std::unique_ptr<UniProgInterface> external; ///< null: the simulated programmer is used
     UtilsUniProgThread operationThread;
     QSharedPointer<TargetDescriptor> target;
     MemoryManager firmware;

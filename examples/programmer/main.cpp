@@ -1,5 +1,6 @@
 #include "Appearance.h"
 #include "CommandLine.h"
+#include "DriverChoice.h"
 #include "HeadlessRun.h"
 #include "MainWindow.h"
 
@@ -11,6 +12,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
+#include <utility>
 
 namespace {
 
@@ -61,10 +64,13 @@ int main(int argc, char **argv)
 
     CommandLine commandLine;
     QString error;
-    if (!readCommandLine(QCoreApplication::arguments(), &commandLine, &error))
+    std::unique_ptr<UniProgInterface> driver;
+    if (!readCommandLine(QCoreApplication::arguments(), &commandLine, &error)
+        || !DriverChoice::create(commandLine.driver, &driver, &error))
         return refuse(error, HeadlessRun::UsageError);
     ProgrammerSession session(commandLine.hasDriver ? ProgrammerSession::Driver::Simulated
-                                                    : ProgrammerSession::Driver::Missing);
+                                                    : ProgrammerSession::Driver::Missing,
+                              std::move(driver));
     if (!applySettings(commandLine, &session, &error))
         return refuse(error, HeadlessRun::UsageError);
     if (!commandLine.image.isEmpty() && !session.loadImage(commandLine.image, commandLine.binaryBase, &error))
