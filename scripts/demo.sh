@@ -26,12 +26,14 @@ if [ "$emulated" = yes ]; then
     mkdir -p build/demo-emulated
     port=${GDB_PORT:-47821}
     serial=build/demo-emulated/serial.txt
+    # QEMU drops what a debugger writes to the user configuration registers: only the flash part is written.
+    srec_cat "$image" -intel -crop 0 0x10000000 -o build/demo-emulated/firmware.hex -intel
     # Daemonized, the emulator is ready when the command returns.
     qemu-system-arm -M microbit -display none -monitor none -serial "file:$serial" -S -gdb "tcp:127.0.0.1:$port" \
         -daemonize -pidfile build/demo-emulated/qemu.pid
     trap 'kill "$(cat build/demo-emulated/qemu.pid)"' EXIT
-    build/dev/bin/programmer --headless --driver "gdb:127.0.0.1:$port" --operation write --image "$image" --verify \
-        --pictures build/demo-emulated | tee build/demo-emulated/transcript.txt
+    build/dev/bin/programmer --headless --driver "gdb:127.0.0.1:$port" --operation write \
+        --image build/demo-emulated/firmware.hex --verify --pictures build/demo-emulated | tee build/demo-emulated/transcript.txt
     for _ in $(seq 100); do
         grep -q 'help()' "$serial" && break
         sleep 0.1

@@ -105,7 +105,6 @@ int GdbRemoteDriver::Disconnect()
     targetConnected = false;
     targetRunning = false;
     hasFlashCommands = false;
-    hasPhysicalAccess = false;
     flash.clear();
     packetSize = DefaultPacketSize;
     return Success;
@@ -378,15 +377,7 @@ int GdbRemoteDriver::readWord(quint32 address, quint32 *word)
 
 int GdbRemoteDriver::writeMemory(quint32 address, const QByteArray &data)
 {
-    const QByteArray command = 'M' + hex(address) + ',' + hex(quint64(data.size())) + ':' + data.toHex();
-    // QEMU drops what a debugger writes to registers, and says OK, unless it is written as by the bus.
-    const bool isRegister = address >= NordicUserConfiguration && address - NordicUserConfiguration < NordicLargestPage;
-    if (!hasPhysicalAccess || !isRegister)
-        return order(command);
-    int status = order("Qqemu.PhyMemMode:1");
-    if (status == Success)
-        status = order(command);
-    return status == Success ? order("Qqemu.PhyMemMode:0") : status;
+    return order('M' + hex(address) + ',' + hex(quint64(data.size())) + ':' + data.toHex());
 }
 
 int GdbRemoteDriver::writeFlash(quint32 address, const QByteArray &data)
@@ -439,10 +430,7 @@ int GdbRemoteDriver::findFlash()
         && pageCount <= NordicLargestFlash / pageSize;
     if (known)
         flash = {{0, pageSize * pageCount, pageSize}, {NordicUserConfiguration, pageSize, pageSize}};
-    QByteArray mode;
-    status = ask("qqemu.PhyMemMode", &mode);
-    hasPhysicalAccess = status == Success;
-    return status == ServerRefused ? int(Success) : status;
+    return Success;
 }
 
 /// The flash commands erase; where there are none, memory is overwritten with what erased flash holds.

@@ -155,7 +155,6 @@ private:
     QSharedPointer<TargetDescriptor> descriptor;
     qsizetype packetSize = 0; ///< the longest packet the server takes
     bool hasFlashCommands = false;
-    bool hasPhysicalAccess = false; ///< an emulator writes to registers, too
     QList<GdbFlashRegion> flash; ///< empty while it is not known
     bool targetConnected = false;
     bool targetRunning = false;
