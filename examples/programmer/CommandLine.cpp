@@ -294,6 +294,10 @@ bool readCommandLine(const QStringList &arguments, CommandLine *commandLine, QSt
 
 bool applySettings(const CommandLine &commandLine, ProgrammerSession *session, QString *error)
 {
+    if (!session->isSimulated() && (commandLine.compare || !commandLine.faults.isEmpty())) {
+        *error = QStringLiteral("Only the simulated programmer can fail on demand, or be compared with the image.");
+        return false;
+    }
     session->programmer().setTimeScale(commandLine.speed == 0 ? 0 : 1 / commandLine.speed);
     if (!commandLine.devicePassword.isEmpty()) {
         session->programmer().setWiFiPassword(OPERATION_TYPE_CONFIGURATION, commandLine.devicePassword);
