@@ -21,7 +21,6 @@ scripts/build.sh dev --target programmer
 
 image=/usr/share/firmware-microbit-micropython/firmware.hex
 if [ "$emulated" = yes ]; then
-    scripts/install-packages.sh scripts/packages-emulated.txt
     rm -rf build/demo-emulated
     mkdir -p build/demo-emulated
     port=${GDB_PORT:-47821}
