@@ -55,8 +55,8 @@ bool UtilsBootloader::openFile()
     if (storedCrc.size() == CrcSize)
         crc = qFromLittleEndian<quint32>(storedCrc.constData());
     const QByteArray storedLength = file.read(LengthSize);
-    // The other three bytes of the field are not looked at: the devices in the field have no longer version, and the
-    // files in the field have no zeros there.
+    // Deliberately only the first byte of the field, as a signed number: a version is never longer than 127 bytes. The
+    // power module's update reads the whole field.
     const int length = storedLength.size() == LengthSize ? static_cast<signed char>(storedLength.front()) : 0;
     firmwareVersion = QString::fromUtf8(file.read(std::max(length, 0)));
 
