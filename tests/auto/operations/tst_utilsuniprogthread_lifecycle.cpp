@@ -109,9 +109,12 @@ void tst_UtilsUniProgThreadLifecycle::aGivenThreadIsTheHome()
     ProcedureLog log(thread.get());
     QCOMPARE(thread->thread(), &home);
     home.start();
+    driver.always(Operation::FindDevice, Answer().untilReleased()); // home has an event loop that waits for nobody here
     for (int i = 1; i <= 2; ++i) {
         thread->FindDevice();
+        QVERIFY(driver.waitUntilHeld());
         QVERIFY(thread->IsProcedureInProgress());
+        driver.release();
         QVERIFY(spinUntil([&] { return log.ends == i && !thread->IsProcedureInProgress(); }));
         QCOMPARE(thread->thread(), &home);
     }
