@@ -96,3 +96,18 @@ bool ProcedureRig::settle(int requests)
 {
     return spinUntil([&] { return log.ends >= requests && !thread.IsProcedureInProgress(); });
 }
+
+QString LogLines::info(const char *text)
+{
+    return ProcedureLog::line(QString::fromLatin1(text));
+}
+
+QString LogLines::success(const char *text)
+{
+    return ProcedureLog::line(QString::fromLatin1(text), LOGGER_MESSAGE_SUCCESS);
+}
+
+QString LogLines::error(const char *text)
+{
+    return ProcedureLog::line(QString::fromLatin1(text), LOGGER_MESSAGE_ERROR);
+}

@@ -61,4 +61,13 @@ struct ProcedureRig
     ProcedureLog log;
 };
 
+/// Lines of a log by what they are, as ProcedureLog writes them down.
+namespace LogLines {
+
+QString info(const char *text);
+QString success(const char *text);
+QString error(const char *text);
+
+} // namespace LogLines
+
 #endif // PROCEDURERIG_H

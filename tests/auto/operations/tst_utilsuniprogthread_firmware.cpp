@@ -12,27 +12,14 @@
 using Operation = ScriptedDriver::Operation;
 using Answer = ScriptedDriver::Answer;
 
+using namespace LogLines;
+
 namespace {
 
 constexpr int Failure = 77;
 constexpr unsigned int AnyDevice = 1;
 constexpr unsigned short SectorSize = 4096;
 const QString OperationFailed = QStringLiteral("Operation failed.");
-
-QString info(const char *text)
-{
-    return ProcedureLog::line(QString::fromLatin1(text));
-}
-
-QString success(const char *text)
-{
-    return ProcedureLog::line(QString::fromLatin1(text), LOGGER_MESSAGE_SUCCESS);
-}
-
-QString error(const char *text)
-{
-    return ProcedureLog::line(QString::fromLatin1(text), LOGGER_MESSAGE_ERROR);
-}
 
 QStringList progress(const QList<int> &values)
 {

@@ -12,6 +12,8 @@
 using Operation = ScriptedDriver::Operation;
 using Answer = ScriptedDriver::Answer;
 
+using namespace LogLines;
+
 namespace {
 
 constexpr int Failure = 77;
@@ -27,21 +29,6 @@ struct Options
 
 using Script = std::function<void(ScriptedDriver &)>;
 using Request = std::function<void(UtilsUniProgThread &)>;
-
-QString info(const char *text)
-{
-    return ProcedureLog::line(QString::fromLatin1(text));
-}
-
-QString success(const char *text)
-{
-    return ProcedureLog::line(QString::fromLatin1(text), LOGGER_MESSAGE_SUCCESS);
-}
-
-QString error(const char *text)
-{
-    return ProcedureLog::line(QString::fromLatin1(text), LOGGER_MESSAGE_ERROR);
-}
 
 const QString Busy = ProcedureLog::progress(-1);
 const QString OperationFailed = QStringLiteral("Operation failed.");
