@@ -15,7 +15,7 @@ class QProcess;
 /// ("resources/help/help_settings_1.4.0.qhc"). The pages are in the collection under the namespace that the library
 /// was built for: the CMake variable UNIPROG_HELP_NAMESPACE, which the installed package hands on as
 /// UniProgUtils_HELP_NAMESPACE. The keyword "device/connect.html" then names the page
-/// qthelp://<namespace>/doc/device/connect.html.
+/// `qthelp://NAMESPACE/doc/device/connect.html`.
 ///
 ///     Q_EMIT UtilsHelpAssistant::getInstance()->signalOpenHelpKeyword("device/connect.html");
 ///
