@@ -59,6 +59,11 @@ endfunction()
 function(uniprog_library target)
     cmake_parse_arguments(arg "" "EXPORT_NAME" "" ${ARGN})
     uniprog_compile_options(${target})
+    if(UNIPROG_COVERAGE)
+        # Workers count as well, and a line stays a line only without optimisation.
+        target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic -O0)
+        target_link_options(${target} PRIVATE --coverage)
+    endif()
     set_target_properties(${target} PROPERTIES
         EXPORT_NAME ${arg_EXPORT_NAME}
         VERSION ${PROJECT_VERSION}
