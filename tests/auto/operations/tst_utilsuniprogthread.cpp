@@ -155,6 +155,7 @@ void tst_UtilsUniProgThread::aRequestCallsTheDriverWithItsArguments_data()
               QTest::newRow(name) << request << false << connect << QString() << calls;
           };
     const auto byDevice = QStringLiteral("ConnectSelectedDevice(bench, 0)");
+    const auto linkBefore = QStringLiteral("Connect(%1)");
     const QString leavingRunning = QStringLiteral("ConnectToTarget(0)");
     using Thread = UtilsUniProgThread;
 
@@ -177,10 +178,10 @@ void tst_UtilsUniProgThread::aRequestCallsTheDriverWithItsArguments_data()
             [](Thread &t, Arguments &a) { return t.SetDeviceConfiguration(&a.configuration); });
     control("WiFiServerStart", "Connect(0)", {"WiFiServerStart()"},
             [](Thread &t, Arguments &) { return t.WiFiServerStart(); });
-    control("SwoEnable", "Connect(0)",
+    control("SwoEnable", linkBefore,
             {"SetTargetInterfaceInUse(true)", "SetTargetClock()", leavingRunning, "SwoEnable(0x1234)"},
             [](Thread &t, Arguments &) { return t.SwoEnable(0x1234); });
-    control("SwoDisable", "Connect(0)", {"DisconnectFromTarget()", "SetTargetInterfaceInUse(false)"},
+    control("SwoDisable", linkBefore, {"DisconnectFromTarget()", "SetTargetInterfaceInUse(false)"},
             [](Thread &t, Arguments &) { return t.SwoDisable(); });
     control("SwoGetData", "Connect(1)", {"SwoGetData(pointer, pointer)"},
             [](Thread &t, Arguments &a) { return t.SwoGetData(a.bytes, &a.size); });
@@ -216,25 +217,35 @@ void tst_UtilsUniProgThread::aRequestCallsTheDriverWithItsArguments()
     QFETCH(QString, connectToTarget);
     QFETCH(QStringList, calls);
 
-    ProcedureRig rig;
-    Arguments arguments;
-    arguments.device.name = QStringLiteral("bench");
-    QCOMPARE(request(rig.thread, arguments), 0);
-    QVERIFY(rig.thread.IsProcedureInProgress());
-    QVERIFY(rig.settle());
+    // The first request of an object, and one after another request, which leaves the other link and the other way to
+    // connect behind.
+    for (const bool afterAnother : {false, true}) {
+        ProcedureRig rig;
+        if (afterAnother) {
+            rig.thread.EraseTargetMass();
+            QVERIFY(rig.settle(1));
+            rig.driver.reset();
+            rig.log.events.clear();
+        }
+        Arguments arguments;
+        arguments.device.name = QStringLiteral("bench");
+        QCOMPARE(request(rig.thread, arguments), 0);
+        QVERIFY(rig.thread.IsProcedureInProgress());
+        QVERIFY(rig.settle(afterAnother ? 2 : 1));
 
-    QStringList expected{connect};
-    if (onTarget)
-        expected += {"SetTargetInterfaceInUse(true)", "SetTargetClock()", connectToTarget};
-    expected += calls;
-    if (onTarget)
-        expected += {"DisconnectFromTarget()", "SetTargetInterfaceInUse(false)"};
-    expected += "Disconnect()";
-    QCOMPARE(rig.driver.transcript(), expected);
-    QCOMPARE(rig.log.events.first(), ProcedureLog::line("Starting operation..."));
-    QCOMPARE(rig.log.events.contains(ProcedureLog::line("Connecting to target MCU...")), onTarget);
-    QCOMPARE(rig.log.events.mid(rig.log.events.size() - 2), (QStringList{ProcedureLog::completed(0), "finished"}));
-    QCOMPARE(rig.thread.thread(), QThread::currentThread());
+        QStringList expected{QString(connect).replace("%1", afterAnother ? "1" : "0")};
+        if (onTarget)
+            expected += {"SetTargetInterfaceInUse(true)", "SetTargetClock()", connectToTarget};
+        expected += calls;
+        if (onTarget)
+            expected += {"DisconnectFromTarget()", "SetTargetInterfaceInUse(false)"};
+        expected += "Disconnect()";
+        QCOMPARE(rig.driver.transcript(), expected);
+        QCOMPARE(rig.log.events.first(), ProcedureLog::line("Starting operation..."));
+        QCOMPARE(rig.log.events.contains(ProcedureLog::line("Connecting to target MCU...")), onTarget);
+        QCOMPARE(rig.log.events.mid(rig.log.events.size() - 2), (QStringList{ProcedureLog::completed(0), "finished"}));
+        QCOMPARE(rig.thread.thread(), QThread::currentThread());
+    }
 }
 
 void tst_UtilsUniProgThread::pointersArriveUnchanged_data()
