@@ -62,6 +62,9 @@ private Q_SLOTS:
     void aFailedVerifyEndsTheUpdate();
     void anEmptyImageIsErasedAndVerified();
     void theFrameExplainsTheStatusOfAnUpdate();
+    void deviceAndSectorSizeReachTheImage_data();
+    void deviceAndSectorSizeReachTheImage();
+    void updatesUseTheConfigurationLink();
     void thePowerModuleIsErasedWrittenVerifiedAndReset();
     void aFailedPowerEraseEndsTheUpdate();
     void aFailedPowerBlockIsTriedAgain_data();
@@ -238,6 +241,41 @@ void tst_UtilsUniProgThreadFirmware::theFrameExplainsTheStatusOfAnUpdate()
     QCOMPARE(rig.log.lastMessage, QStringLiteral("Wrong target voltage.\nCheck power settings."));
 }
 
+void tst_UtilsUniProgThreadFirmware::deviceAndSectorSizeReachTheImage_data()
+{
+    QTest::addColumn<unsigned int>("device");
+    QTest::addColumn<QString>("erase");
+    QTest::newRow("a device with sectors as given") << AnyDevice << "BootloaderErase(0x8000, 3)";
+    QTest::newRow("a device with sectors of 4096 bytes") << 0x1002U << "BootloaderErase(0x8000, 2)";
+}
+
+void tst_UtilsUniProgThreadFirmware::deviceAndSectorSizeReachTheImage()
+{
+    QFETCH(unsigned int, device);
+    QFETCH(QString, erase);
+    ProcedureRig rig;
+    rig.thread.BootloaderProcess(TSelectedDevice(), writeImage(payloadOf(4096)), device, 2048);
+    QVERIFY(rig.settle());
+    QCOMPARE(rig.driver.transcript().at(1), erase);
+}
+
+void tst_UtilsUniProgThreadFirmware::updatesUseTheConfigurationLink()
+{
+    ProcedureRig rig;
+    rig.thread.FindDevice(); // leaves the other link behind
+    QVERIFY(rig.settle(1));
+    rig.driver.reset();
+    rig.thread.PowerBootloaderWrite();
+    QVERIFY(rig.settle(2));
+    QCOMPARE(rig.driver.transcript().first(), QStringLiteral("Connect(0)"));
+
+    rig.thread.FindDevice();
+    QVERIFY(rig.settle(3));
+    rig.driver.reset();
+    process(rig, payloadOf(10));
+    QCOMPARE(rig.driver.transcript().first(), QStringLiteral("ConnectSelectedDevice(bench, 0)"));
+}
+
 void tst_UtilsUniProgThreadFirmware::thePowerModuleIsErasedWrittenVerifiedAndReset()
 {
     ProcedureRig rig;
@@ -306,14 +344,18 @@ void tst_UtilsUniProgThreadFirmware::aFailedPowerBlockIsTriedAgain()
                  PowerWriting + attempts
                  + QStringList{info("Verifying write..."), success("Write operation done and verified.")}));
     QCOMPARE(rig.driver.callCount(Operation::PowerBootloaderWrite), PowerBlocks);
-    unsigned int address = 0x10008000;
+    QFile resource(QStringLiteral("://bin/pm_enc"));
+    QVERIFY(resource.open(QIODevice::ReadOnly));
+    const QByteArray payload = resource.readAll().right(PowerPayload);
+    int offset = 0;
     int attempt = 0;
     for (const ScriptedDriver::Call &call : rig.driver.calls()) {
         if (call.operation != Operation::PowerBootloaderWrite)
             continue;
-        QCOMPARE(call.arguments.first().toUInt(), address);
+        QCOMPARE(call.arguments.first().toUInt(), 0x10008000U + unsigned(offset));
+        QCOMPARE(call.arguments.last().toByteArray(), payload.mid(offset, 992));
         if (!failing.contains(++attempt))
-            address += 992;
+            offset += 992;
     }
 }
 
