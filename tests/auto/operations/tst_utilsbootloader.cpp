@@ -54,6 +54,7 @@ private Q_SLOTS:
     void aFileThatCannotBeOpenedIsReported_data();
     void aFileThatCannotBeOpenedIsReported();
     void openingAgainReplacesWhatWasRead();
+    void aFileThatHoldsLessThanItsSizeGivesWhatThereIs();
     void aFileOfMoreThanTwoGigabytesIsNotLoaded();
     void aDataBlockIsCutAndPadded_data();
     void aDataBlockIsCutAndPadded();
@@ -246,6 +247,23 @@ void tst_UtilsBootloader::openingAgainReplacesWhatWasRead()
     QCOMPARE(image.getCrc(), 0U);
     QCOMPARE(image.getImageBuffer(), QByteArray());
     QCOMPARE(image.getImageBufferSize(), 0);
+}
+
+void tst_UtilsBootloader::aFileThatHoldsLessThanItsSizeGivesWhatThereIs()
+{
+    // As one that shrinks while it is read: the system says 4096 bytes and gives the 18 of "00:00:00:00:00:00\n".
+    QFile file(QStringLiteral("/sys/class/net/lo/address"));
+    if (!file.open(QIODevice::ReadOnly))
+        QSKIP("The system has no such file.");
+    const qint64 size = file.size();
+    const QByteArray bytes = file.readAll();
+    if (size <= bytes.size() || bytes.size() < 8)
+        QSKIP("The system's file is a plain one.");
+    UtilsBootloader image(file.fileName(), Device, AnyDevice, AnySector);
+    QVERIFY(image.openFile());
+    QCOMPARE(image.getFirmwareVersion(), QString::fromUtf8(bytes.mid(8))); // '0' announces 48 bytes
+    QCOMPARE(image.getImageBufferSize(), 0);
+    QCOMPARE(image.getImageBuffer(), QByteArray());
 }
 
 void tst_UtilsBootloader::aFileOfMoreThanTwoGigabytesIsNotLoaded()
