@@ -25,12 +25,12 @@ constexpr qint64 PatienceMs = 5000 - 10;
 class Waiting
 {
 public:
-    Waiting()
+    explicit Waiting(int (UtilsUniProgThread::*request)() = &UtilsUniProgThread::FindDevice)
         : thread(std::make_unique<UtilsUniProgThread>(&driver, nullptr))
         , log(thread.get())
     {
         driver.reset();
-        thread->FindDevice();
+        (thread.get()->*request)();
         worker = thread->thread();
         // Delivered on the worker, so not before its procedure has given up.
         QMetaObject::invokeMethod(thread.get(), "SignalOperationProgress", Qt::QueuedConnection, Q_ARG(int, Probe));
@@ -71,6 +71,7 @@ private:
     qint64 waitedFor = 0;
     std::unique_ptr<ProcedureRig> holder;
     std::unique_ptr<Waiting> watched;
+    std::unique_ptr<Waiting> watchedOnTarget;
     std::unique_ptr<Waiting> deleted;
     std::unique_ptr<Waiting> deletedLater;
     std::unique_ptr<Waiting> later;
@@ -88,9 +89,10 @@ void tst_UtilsUniProgThreadTimeout::initTestCase()
     clock.start();
     for (auto *waiting : {&watched, &deleted, &deletedLater, &later, &foreign, &early})
         *waiting = std::make_unique<Waiting>();
+    watchedOnTarget = std::make_unique<Waiting>(&UtilsUniProgThread::ResetTarget);
     leftBehind = new Waiting;
-    for (const Waiting *waiting :
-         {watched.get(), deleted.get(), deletedLater.get(), later.get(), foreign.get(), early.get(), leftBehind})
+    for (const Waiting *waiting : {watched.get(), watchedOnTarget.get(), deleted.get(), deletedLater.get(), later.get(),
+                                   foreign.get(), early.get(), leftBehind})
         QTRY_VERIFY_WITH_TIMEOUT(waiting->gaveUp(), TestLimitMs);
     waitedFor = clock.elapsed();
 
@@ -103,12 +105,14 @@ void tst_UtilsUniProgThreadTimeout::initTestCase()
 void tst_UtilsUniProgThreadTimeout::nothingIsEmittedAndTheWorkerStays()
 {
     QCoreApplication::processEvents();
-    QCOMPARE(watched->log.events, QStringList{ProcedureLog::progress(Probe)}); // this test's own
-    QCOMPARE(watched->driver.transcript(), QStringList());
     QVERIFY2(waitedFor >= PatienceMs, qPrintable(QString::number(waitedFor)));
-    QVERIFY(watched->thread->IsProcedureInProgress());
-    QCOMPARE(watched->thread->thread(), watched->worker.data());
-    QVERIFY(watched->worker->isRunning());
+    for (const Waiting *waiting : {watched.get(), watchedOnTarget.get()}) {
+        QCOMPARE(waiting->log.events, QStringList{ProcedureLog::progress(Probe)}); // this test's own
+        QCOMPARE(waiting->driver.transcript(), QStringList());
+        QVERIFY(waiting->thread->IsProcedureInProgress());
+        QCOMPARE(waiting->thread->thread(), waiting->worker.data());
+        QVERIFY(waiting->worker->isRunning());
+    }
 }
 
 void tst_UtilsUniProgThreadTimeout::theObjectCanBeDeleted()
