@@ -21,6 +21,7 @@
 
 #include <functional>
 #include <memory>
+#include <type_traits>
 
 namespace {
 
@@ -86,6 +87,10 @@ const char FoldersAreWatched[]
     = "Qt watches the folder there: under Wine it may take a replacement or a neighbour's change "
       "for a change of the file.";
 #endif
+
+// Only createSourceFile() makes the one object.
+static_assert(!std::is_default_constructible_v<UtilsSourceFile>);
+static_assert(!std::is_constructible_v<UtilsSourceFile, QObject *>);
 
 } // namespace
 
