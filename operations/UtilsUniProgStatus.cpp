@@ -3,13 +3,9 @@
 #include "UniProgInterface.h"
 #include "UtilsDialog.h"
 
-#include <QToolButton>
+#include "DeviceStatus_p.h"
 
-// Status 4, a failed link authentication without the link's name, is an error as any other: nobody could say which
-// password to ask for.
-static constexpr int StatusOk = 0;
-static constexpr int StatusLinkConfigAuthentication = 13;
-static constexpr int StatusLinkDebugAuthentication = 14;
+#include <QToolButton>
 
 UtilsUniProgStatus::UtilsUniProgStatus(UniProgInterface *driver, QFlags<STATUS_FLAG> flags, QObject *parent)
     : QObject(parent)
@@ -25,14 +21,15 @@ void UtilsUniProgStatus::Start(int status, QString message, QWidget *parent)
     statusMessage = message;
     dialogParent = parent;
     switch (status) {
-    case StatusOk:
+    case DeviceStatus::Success:
         StatusOkHandler();
         break;
-    case StatusLinkConfigAuthentication:
-    case StatusLinkDebugAuthentication:
+    case DeviceStatus::WifiConfigAuthenticationFailed:
+    case DeviceStatus::WifiDebugAuthenticationFailed:
         StatusErrorAuthHandler(status);
         break;
     default:
+        // WifiAuthenticationFailed too: it does not name the link, so nobody could say which password to ask for.
         StatusErrorMiscHandler(status);
         break;
     }
@@ -82,6 +79,7 @@ void UtilsUniProgStatus::SlotStatusDialogClosed(QString argPassword)
 {
     if (!uniProg)
         return;
-    if (statusCode == StatusLinkConfigAuthentication || statusCode == StatusLinkDebugAuthentication)
-        uniProg->SetWiFiLinkPassword(argPassword, statusCode == StatusLinkDebugAuthentication);
+    const bool debugLink = statusCode == DeviceStatus::WifiDebugAuthenticationFailed;
+    if (debugLink || statusCode == DeviceStatus::WifiConfigAuthenticationFailed)
+        uniProg->SetWiFiLinkPassword(argPassword, debugLink);
 }
