@@ -24,8 +24,8 @@ class UtilsBootloader;
 /// its own, reported through signals.
 ///
 /// Use it for everything an application wants from the device. A request stores its arguments, returns 0 at once and
-/// ends with exactly one SignalProcedureCompleted(); the log lines and the progress of a UtilsDialogProcessing come
-/// from here.
+/// ends with exactly one SignalProcedureCompleted(), or with none when it does not get its turn at the device (see
+/// mutexAccessThread). The log lines and the progress of a UtilsDialogProcessing come from here.
 ///
 ///     UsbDriver driver;
 ///     UtilsUniProgThread programmer(&driver, nullptr);
@@ -68,10 +68,10 @@ class UNIPROGUTILS_EXPORT UtilsUniProgThread : public QObject
     Q_OBJECT
 
 public:
-    /// @p uniProg is the driver, which is a QObject too and declares `void SignalUpdateProgress(int)`; its target
+    /// \a uniProg is the driver, which is a QObject too and declares `void SignalUpdateProgress(int)`; its target
     /// descriptor is taken here, as a weak reference. A null driver is allowed, and refuses every request like a device
     /// that is not selected (38).
-    /// @p thread becomes the home thread, and the object moves there; null keeps the current thread as home. The home
+    /// \a thread becomes the home thread, and the object moves there; null keeps the current thread as home. The home
     /// thread has to outlive the object.
     UtilsUniProgThread(UniProgInterface *uniProg, QThread *thread);
     /// Waits for a procedure that runs. The driver is not touched and may be gone already.
@@ -82,12 +82,12 @@ public:
     /// SlotProcedureTargetRelated()), until a later request has ended. May be called from any thread.
     bool IsProcedureInProgress() const;
 
-    /// @name Target
+    /// \name Target
     /// These connect to the device and to the target. How they treat the target is told by its TargetDescriptor:
     /// operation option 0 (2: erase only what the image needs), option 1 (0: connect with a reset, and reset
     /// afterwards) and option 2 (not 0: verify what was written); connection option 5 (not 0: stay halted after a
     /// reset). Without a descriptor every option reads as 0. All return 0.
-    /// @{
+    /// \{
 
     /// Erases the target, writes the image, verifies it if option 2 says so, and resets the target, also after a
     /// failed write but not after a failed erase. A mismatch found by the verification is logged as an error, and the
@@ -95,85 +95,105 @@ public:
     int WriteTarget(MemoryManager *argMemoryManager);
     /// Reads the target into the image.
     int ReadTarget(MemoryManager *argMemoryManager);
-    /// Compares the target with the image; @p argResult tells whether they match.
+    /// Compares the target with the image; \a argResult tells whether they match.
     int VerifyTarget(MemoryManager *argMemoryManager, bool *argResult);
-    /// Looks for data in the target; @p argResult tells whether it is blank.
+    /// Looks for data in the target; \a argResult tells whether it is blank.
     int CheckTargetBlank(bool *argResult);
-    /// Looks for a target; @p argResult tells whether there is one.
+    /// Looks for a target; \a argResult tells whether there is one.
     int DetectTarget(bool *argResult);
     /// Erases the whole target.
     int EraseTargetMass();
     /// Resets the target.
     int ResetTarget();
-    /// @}
+    /// \}
 
-    /// @name Device
+    /// \name Device
     /// These connect to the device only. All return 0.
-    /// @{
+    /// \{
 
     /// Makes the device signal, so that the user finds it among others.
     int FindDevice();
+    /// Fills the caller's record with the configuration of the device.
     int GetDeviceConfiguration(TConfiguration *argConfiguration);
     /// Sends the configuration and has the device store it.
     int SetDeviceConfiguration(TConfiguration *argConfiguration);
+    /// Starts the WiFi server of the device.
     int WiFiServerStart();
-    /// @}
+    /// \}
 
-    /// @name SWO capture
+    /// \name SWO capture
     /// All return 0.
-    /// @{
+    /// \{
 
-    /// Connects to the running target and starts the capture. The device is reached over the link that the previous
-    /// request used.
+    /// Connects to the running target and starts the capture; \a argSwoParameter is the driver's to understand. The
+    /// device is reached over the link that the previous request used.
     int SwoEnable(unsigned int argSwoParameter);
     /// Ends the capture and disconnects from the target; over the link of the previous request, too.
     int SwoDisable();
-    /// Fetches captured bytes. @p argSwoDataSize is the size of the buffer before and the number of bytes after.
+    /// Fetches captured bytes. \a argSwoDataSize is the size of the buffer before and the number of bytes read after.
     int SwoGetData(unsigned char *argSwoData, unsigned short *argSwoDataSize);
-    /// @}
+    /// \}
 
-    /// @name Power module
+    /// \name Power module
     /// Successful changes of a switch, a voltage or the battery options are stored in the device. All return 0.
-    /// @{
+    /// \{
 
-    /// Channel 13 is the target's supply: while it is powered from outside (at least 1.0 V), nothing is switched and
-    /// the request completes with status 11.
+    /// Channels and states are the power module's. Channel 13 is the target's supply: while it is powered from outside
+    /// (at least 1.0 V), nothing is switched and the request completes with status 11.
     int PowerSwitch(unsigned char argPowerChannel, unsigned char argPowerState);
-    /// @p argPowerVoltage in volts. A supply from outside does not keep a voltage from being set.
+    /// \a argPowerVoltage in volts. A supply from outside does not keep a voltage from being set.
     int PowerSetVoltage(unsigned char argPowerChannel, float argPowerVoltage);
+    /// Sets the battery option word.
     int PowerSetBatteryOptions(unsigned int argBatteryOptions);
+    /// Fills the caller's buffer, of \a argPowerReadingsSize bytes, with measurements.
     int PowerGetReadings(unsigned char *argPowerReadings, int argPowerReadingsSize);
+    /// Fills the caller's record with what the power module says of itself.
     int PowerGetInfo(TPowerInfo *argPowerInfo);
+    /// Stores the settings of the power module in the device.
     int PowerSaveConfiguration();
+    /// Has the power module enter its bootloader.
     int PowerBootloaderActivate();
+    /// Asks whether the bootloader of the power module answers.
     int PowerBootloaderGetInfo();
+    /// Has the power module leave its bootloader.
     int PowerBootloaderReset();
     /// Updates the firmware of the power module with the image of the resource "://bin/pm_enc". A block that fails is
-    /// tried again, but the number of attempts is that of the blocks; the module is reset also after a failed check.
+    /// tried again, but the number of attempts is that of the blocks; the module is reset also after a failed check,
+    /// and the status is that of the reset. An image that is not valid completes with status 1 before anything is
+    /// erased.
+    ///
     /// The image that comes with this library is a placeholder; a build replaces it through the CMake variable
     /// UNIPROG_POWER_MODULE_IMAGE.
     int PowerBootloaderWrite();
-    /// @}
+    /// \}
 
-    /// @name Firmware of the device
-    /// These connect to @p argSelectedDevice, and so does every later request until one has got as far as
+    /// \name Firmware of the device
+    /// These connect to \a argSelectedDevice, and so does every later request until one has got as far as
     /// disconnecting: a failed connect keeps the choice. All return 0.
-    /// @{
+    /// \{
 
-    /// Enters the bootloader; @p argBootloaderInfo receives what it says of itself, or is cleared if it says nothing.
+    /// Enters the bootloader; \a argBootloaderInfo receives what it says of itself, or is cleared if it says nothing.
     int BootloaderEnter(TSelectedDevice argSelectedDevice, QByteArray *argBootloaderInfo);
-    /// Erases, writes and verifies the firmware with the image file @p argImageFilePath (see UtilsBootloader).
-    /// @p argImageSectorSize is the size of an erase sector in bytes.
+    /// Erases, writes and verifies the firmware with the image file \a argImageFilePath. \a argImageSectorSize is the
+    /// size of an erase sector in bytes; device 4098 has its own (see UtilsBootloader). A file that cannot be opened
+    /// logs an empty error line and completes with status 1.
     int BootloaderProcess(TSelectedDevice argSelectedDevice, QString argImageFilePath, unsigned int argImageDeviceId,
                           unsigned short argImageSectorSize);
+    /// Leaves the bootloader.
     int BootloaderExit(TSelectedDevice argSelectedDevice);
-    /// @}
+    /// \}
+
+    /// The turn at the device. A procedure holds it from its connect to its completion signal, so that those of all
+    /// objects in the process never meet. An application that calls the driver itself locks it meanwhile; a request
+    /// waits for at most 5000 ms (see SlotProcedureTargetRelated()). Not recursive: do not lock it in a slot that the
+    /// worker calls. Exists until the process ends.
+    static QMutex *const mutexAccessThread;
 
 Q_SIGNALS:
     /// The last act of a procedure; it ends the worker. The device is free for other objects already.
     void finished();
     /// Once per request: the final status, 0 for success, and the text of the failure, empty on success. The device is
-    /// still reserved while this is emitted.
+    /// still reserved while this is emitted. Withheld when the request did not get its turn.
     void SignalProcedureCompleted(int GetStatus, QString argErrorMessage);
     /// A line for the user, in the order of events.
     void SignalOperationLogMessage(QString message, LOGGER_MESSAGE_TYPE messageType);
@@ -253,9 +273,6 @@ private:
 
     void UpdateDevice(const UtilsBootloader &image, int &status, QString &failure);
     void WritePowerModule(const PowerModuleImage &image, int &status);
-
-    /// Makes the procedures of all objects take turns.
-    static QMutex *mutexAccessThread;
 
     UniProgInterface *uniProg;
     TConfiguration *configuration = nullptr;

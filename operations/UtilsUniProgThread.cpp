@@ -29,7 +29,7 @@ int connectFlag(int leaveRunning)
 } // namespace
 
 // Never deleted: a worker that is left behind at the end of the process may still hold it.
-QMutex *UtilsUniProgThread::mutexAccessThread = new QMutex;
+QMutex *const UtilsUniProgThread::mutexAccessThread = new QMutex;
 
 UtilsUniProgThread::UtilsUniProgThread(UniProgInterface *argUniProg, QThread *thread)
     : uniProg(argUniProg)

@@ -6,8 +6,10 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QMutex>
 #include <QThread>
 
+#include <atomic>
 #include <memory>
 #include <thread>
 
@@ -66,6 +68,7 @@ private Q_SLOTS:
     void aLaterRequestFromAnotherThreadRuns();
     void aLaterRequestMayComeBeforeTheDeviceIsFree();
     void theHolderWasNotDisturbed();
+    void anApplicationTakesItsTurnToo();
 
 private:
     qint64 waitedFor = 0;
@@ -160,6 +163,38 @@ void tst_UtilsUniProgThreadTimeout::theHolderWasNotDisturbed()
 {
     QCOMPARE(holder->log.events,
              ProcedureLog::controlRun({ProcedureLog::line("My device signaled.", LOGGER_MESSAGE_SUCCESS)}));
+}
+
+void tst_UtilsUniProgThreadTimeout::anApplicationTakesItsTurnToo()
+{
+    QMutex &turn = *UtilsUniProgThread::mutexAccessThread;
+    ProcedureRig rig;
+    // Looked at on the worker, where a mutex that it holds itself cannot be had again.
+    std::atomic_int freeMeanwhile{0};
+    std::atomic_int freeAtTheEnd{0};
+    const auto count = [&turn](std::atomic_int &times) {
+        if (turn.tryLock()) {
+            ++times;
+            turn.unlock();
+        }
+    };
+    for (const Operation operation : {Operation::Connect, Operation::FindDevice, Operation::Disconnect})
+        rig.driver.always(operation, Answer().calling([&] { count(freeMeanwhile); }));
+    connect(
+        &rig.thread, &UtilsUniProgThread::SignalProcedureCompleted, this, [&] { count(freeMeanwhile); },
+        Qt::DirectConnection);
+    connect(
+        &rig.thread, &UtilsUniProgThread::finished, this, [&] { count(freeAtTheEnd); }, Qt::DirectConnection);
+
+    turn.lock();
+    rig.thread.FindDevice();
+    rig.driver.FindDevice(); // the application's own call, while the request waits
+    turn.unlock();
+    QVERIFY(rig.settle());
+    QCOMPARE(rig.driver.interleavings(), QStringList());
+    QCOMPARE(rig.driver.transcript(), (QStringList{"FindDevice()", "Connect(1)", "FindDevice()", "Disconnect()"}));
+    QCOMPARE(freeMeanwhile.load(), 0);
+    QCOMPARE(freeAtTheEnd.load(), 1);
 }
 
 UNIPROG_TEST_MAIN(tst_UtilsUniProgThreadTimeout)
