@@ -34,7 +34,7 @@ public:
         BOOTLOADER_IMAGE_EXTERNAL = 1 ///< start address 0x10008000
     };
 
-    /// Reads nothing yet. @p sectorSize is the size of an erase sector in bytes; the device 4098 (0x1002) has sectors
+    /// Reads nothing yet. \a sectorSize is the size of an erase sector in bytes; the device 4098 (0x1002) has sectors
     /// of 4096 bytes whatever is given.
     UtilsBootloader(QString path, BootloaderImageFileType type, unsigned int deviceId, unsigned short sectorSize);
 
@@ -48,7 +48,7 @@ public:
 
     /// The CRC stored in the file.
     unsigned int getCrc() const;
-    /// @p size payload bytes from @p offset. Beyond the end of the payload the block is filled with 0xFF, the byte of
+    /// \a size payload bytes from \a offset. Beyond the end of the payload the block is filled with 0xFF, the byte of
     /// erased flash. Empty for a size of 0 or less.
     QByteArray getDataBlock(unsigned int offset, int size) const;
     /// The whole payload.

@@ -18,7 +18,7 @@ class UNIPROGUTILS_EXPORT UtilsLabel : public QLabel
     Q_OBJECT
 
 public:
-    /// A plain, empty label. @p f as for QLabel.
+    /// A plain, empty label. \a f as for QLabel.
     explicit UtilsLabel(QWidget *parent = nullptr, Qt::WindowFlags f = Qt::WindowFlags());
     ~UtilsLabel() override;
 

@@ -43,7 +43,7 @@ public:
     /// range resets the bar, as with a QProgressBar.
     void setRange(int minimum, int maximum);
 
-    /// Lets the bar glide to @p value, from the value requested last (0 at first), after the changes requested before:
+    /// Lets the bar glide to \a value, from the value requested last (0 at first), after the changes requested before:
     /// none is dropped. A change to 0 takes 1 ms, so that a bar which starts anew is empty at once. Values outside the
     /// range are not shown.
     void setValue(int value);

@@ -25,15 +25,15 @@ class UNIPROGUTILS_EXPORT UtilsStackedWidget : public QStackedWidget
     Q_OBJECT
 
 public:
-    /// An empty stack. @p animated: page changes fade (90 ms out, then 200 ms in); otherwise they happen at once.
+    /// An empty stack. \a animated: page changes fade (90 ms out, then 200 ms in); otherwise they happen at once.
     explicit UtilsStackedWidget(QWidget *parent = nullptr, bool animated = false);
     ~UtilsStackedWidget() override;
 
 public Q_SLOTS:
-    /// Changes to the page at @p index; nothing happens when there is none.
+    /// Changes to the page at \a index; nothing happens when there is none.
     void setCurrentIndex(int index);
 
-    /// Changes to the page @p widget; nothing happens when it is null or not in the stack. An animated stack emits
+    /// Changes to the page \a widget; nothing happens when it is null or not in the stack. An animated stack emits
     /// currentChanged() when the page it leaves has faded out. A change requested before that takes the place of the
     /// one that is running, so the page requested last is the one that stays. When that page is removed or deleted
     /// meanwhile, the stack keeps the page it has.
