@@ -16,6 +16,11 @@
 
 #include <functional>
 
+/// SetMaximumSize() or SetMinimumSize() of UtilsMisc.
+using SetLimit = void (*)(const QSize &size, QWidget *widget);
+using Place = std::function<void(QWidget *parent, QWidget *child)>;
+Q_DECLARE_METATYPE(SetLimit)
+Q_DECLARE_METATYPE(Place)
 Q_DECLARE_METATYPE(QList<InterfaceAddresses>)
 
 class tst_UtilsMisc : public UniProgTest
@@ -34,10 +39,8 @@ private Q_SLOTS:
     void withoutALayoutNothingIsReplaced();
     void aWidgetOutsideTheLayoutIsKept();
 
-    void theMaximumIsOnlyLowered_data();
-    void theMaximumIsOnlyLowered();
-    void theMinimumIsOnlyRaised_data();
-    void theMinimumIsOnlyRaised();
+    void limitsOnlyGetCloser_data();
+    void limitsOnlyGetCloser();
 
     void aPropertyIsSetThenUnpolishedThenPolished();
     void styleSheetsSeeThePropertyAtOnce();
@@ -99,9 +102,6 @@ void tst_UtilsMisc::framelessIsNeverChosen()
 {
     QVERIFY(!UtilsMisc::CheckIfFramelessUsed());
 }
-
-using Place = std::function<void(QWidget *parent, QWidget *child)>;
-Q_DECLARE_METATYPE(Place)
 
 void tst_UtilsMisc::aWidgetIsReplacedInItsLayout_data()
 {
@@ -194,65 +194,54 @@ void tst_UtilsMisc::aWidgetOutsideTheLayoutIsKept()
     QCOMPARE(parent.layout()->count(), 1);
 }
 
-static constexpr QSize Unlimited(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
-
-void tst_UtilsMisc::theMaximumIsOnlyLowered_data()
+void tst_UtilsMisc::limitsOnlyGetCloser_data()
 {
+    QTest::addColumn<SetLimit>("setLimit");
     QTest::addColumn<QSize>("minimum");
     QTest::addColumn<QSize>("maximum");
     QTest::addColumn<QSize>("requested");
-    QTest::addColumn<QSize>("expected");
-    QTest::newRow("lowered, and kept above the minimum")
-        << QSize(100, 600) << QSize(800, 800) << QSize(500, 500) << QSize(500, 600);
-    QTest::newRow("not raised") << QSize(0, 0) << QSize(100, 100) << QSize(500, 50) << QSize(100, 50);
-    QTest::newRow("from no limit") << QSize(0, 0) << Unlimited << QSize(320, 240) << QSize(320, 240);
-    QTest::newRow("to no limit") << QSize(0, 0) << QSize(10, 20) << Unlimited << QSize(10, 20);
-    QTest::newRow("to nothing") << QSize(5, 0) << QSize(10, 20) << QSize(0, 0) << QSize(5, 0);
-    QTest::newRow("no size") << QSize(5, 6) << QSize(10, 20) << QSize() << QSize(5, 6);
-    QTest::newRow("minimum above maximum") << QSize(50, 50) << QSize(10, 10) << QSize(30, 30) << QSize(10, 10);
+    QTest::addColumn<QSize>("newMinimum");
+    QTest::addColumn<QSize>("newMaximum");
+    constexpr QSize Unlimited(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+
+    const auto lower = [](const char *name, QSize minimum, QSize maximum, QSize requested, QSize expected) {
+        QTest::addRow("maximum, %s", name)
+            << SetLimit(UtilsMisc::SetMaximumSize) << minimum << maximum << requested << minimum << expected;
+    };
+    lower("lowered, and kept above the minimum", {100, 600}, {800, 800}, {500, 500}, {500, 600});
+    lower("not raised", {0, 0}, {100, 100}, {500, 50}, {100, 50});
+    lower("from no limit", {0, 0}, Unlimited, {320, 240}, {320, 240});
+    lower("to no limit", {0, 0}, {10, 20}, Unlimited, {10, 20});
+    lower("to nothing", {5, 0}, {10, 20}, {0, 0}, {5, 0});
+    lower("no size", {5, 6}, {10, 20}, QSize(), {5, 6});
+    lower("minimum above maximum", {50, 50}, {10, 10}, {30, 30}, {10, 10});
+
+    const auto raise = [](const char *name, QSize minimum, QSize maximum, QSize requested, QSize expected) {
+        QTest::addRow("minimum, %s", name)
+            << SetLimit(UtilsMisc::SetMinimumSize) << minimum << maximum << requested << expected << maximum;
+    };
+    raise("raised, and kept below the maximum", {100, 100}, {800, 800}, {50, 900}, {100, 800});
+    raise("not lowered", {100, 100}, Unlimited, {50, 150}, {100, 150});
+    raise("from nothing", {0, 0}, Unlimited, {320, 240}, {320, 240});
+    raise("to no limit", {0, 0}, {10, 20}, Unlimited, {10, 20});
+    raise("no size", {5, 6}, {10, 20}, QSize(), {5, 6});
+    raise("minimum above maximum", {50, 50}, {10, 10}, {70, 70}, {50, 50});
 }
 
-void tst_UtilsMisc::theMaximumIsOnlyLowered()
+void tst_UtilsMisc::limitsOnlyGetCloser()
 {
+    QFETCH(SetLimit, setLimit);
     QFETCH(QSize, minimum);
     QFETCH(QSize, maximum);
     QFETCH(QSize, requested);
-    QFETCH(QSize, expected);
+    QFETCH(QSize, newMinimum);
+    QFETCH(QSize, newMaximum);
     QWidget widget;
     widget.setMinimumSize(minimum);
     widget.setMaximumSize(maximum);
-    UtilsMisc::SetMaximumSize(requested, &widget);
-    QCOMPARE(widget.maximumSize(), expected);
-    QCOMPARE(widget.minimumSize(), minimum);
-}
-
-void tst_UtilsMisc::theMinimumIsOnlyRaised_data()
-{
-    QTest::addColumn<QSize>("minimum");
-    QTest::addColumn<QSize>("maximum");
-    QTest::addColumn<QSize>("requested");
-    QTest::addColumn<QSize>("expected");
-    QTest::newRow("raised, and kept below the maximum")
-        << QSize(100, 100) << QSize(800, 800) << QSize(50, 900) << QSize(100, 800);
-    QTest::newRow("not lowered") << QSize(100, 100) << Unlimited << QSize(50, 150) << QSize(100, 150);
-    QTest::newRow("from nothing") << QSize(0, 0) << Unlimited << QSize(320, 240) << QSize(320, 240);
-    QTest::newRow("to no limit") << QSize(0, 0) << QSize(10, 20) << Unlimited << QSize(10, 20);
-    QTest::newRow("no size") << QSize(5, 6) << QSize(10, 20) << QSize() << QSize(5, 6);
-    QTest::newRow("minimum above maximum") << QSize(50, 50) << QSize(10, 10) << QSize(70, 70) << QSize(50, 50);
-}
-
-void tst_UtilsMisc::theMinimumIsOnlyRaised()
-{
-    QFETCH(QSize, minimum);
-    QFETCH(QSize, maximum);
-    QFETCH(QSize, requested);
-    QFETCH(QSize, expected);
-    QWidget widget;
-    widget.setMinimumSize(minimum);
-    widget.setMaximumSize(maximum);
-    UtilsMisc::SetMinimumSize(requested, &widget);
-    QCOMPARE(widget.minimumSize(), expected);
-    QCOMPARE(widget.maximumSize(), maximum);
+    setLimit(requested, &widget);
+    QCOMPARE(widget.minimumSize(), newMinimum);
+    QCOMPARE(widget.maximumSize(), newMaximum);
 }
 
 /// Writes down what happens to a widget and the value of its property at that time.
