@@ -15,6 +15,7 @@ class tst_UtilsMisc_WindowState : public UniProgTest
 private Q_SLOTS:
     void theWindowStateIsKept();
     void restoringBeforeSavingLeavesTheWindow();
+    void savingMakesTheSharedObject();
 };
 
 static void addDocks(QMainWindow &window)
@@ -73,6 +74,16 @@ void tst_UtilsMisc_WindowState::restoringBeforeSavingLeavesTheWindow()
     UtilsMisc::RestoreMainWindowState(&window);
     QCOMPARE(window.geometry(), QRect(40, 50, 640, 480));
     QCOMPARE(window.saveState(), state);
+}
+
+void tst_UtilsMisc_WindowState::savingMakesTheSharedObject()
+{
+    delete UtilsSingleInstance::getInstance(nullptr);
+    QMainWindow window;
+    UtilsMisc::SaveMainWindowState(&window);
+    // It has no parent, and whoever asks for it later is not the first any more.
+    QObject parent;
+    QVERIFY(!UtilsSingleInstance::getInstance(&parent)->parent());
 }
 
 UNIPROG_TEST_MAIN(tst_UtilsMisc_WindowState)
