@@ -69,7 +69,8 @@ private Q_SLOTS:
 
     void fileVersionIsRead_data();
     void fileVersionIsRead();
-    void theLibraryTellsItsVersion_data();
+    void anyPathIsRead_data();
+    void anyPathIsRead();
     void theLibraryTellsItsVersion();
     void fileVersionFailsWithADebugLine_data();
     void fileVersionFailsWithADebugLine();
@@ -151,24 +152,36 @@ void tst_UtilsMisc_FileVersion::fileVersionIsRead()
     QCOMPARE(DebugLines::lines(), QStringList());
 }
 
-void tst_UtilsMisc_FileVersion::theLibraryTellsItsVersion_data()
+void tst_UtilsMisc_FileVersion::anyPathIsRead_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("plain name") << QStringLiteral("library.dll");
     QTest::newRow("blanks") << QStringLiteral("the library of the suite.dll");
     QTest::newRow("Cyrillic and Chinese letters")
         << QStringLiteral("\u043F\u0440\u043E\u0448\u0438\u0432\u043A\u0430 \u56FA\u4EF6.dll");
+    QTest::newRow("beyond the first plane") << QStringLiteral("\U0001F50C.dll");
+#ifndef Q_OS_WIN
+    // Windows allows it where the system and the application are set up for it.
+    QTest::newRow("longer than 260 characters") << QStringLiteral("%1/%1/%1.dll").arg(QString(200, QLatin1Char('n')));
+#endif
+}
+
+void tst_UtilsMisc_FileVersion::anyPathIsRead()
+{
+    QFETCH(QString, name);
+    const QString path = folder.filePath(name);
+    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+    QVERIFY(QFile::copy(writeFile(PeFileBuilder().build()), path));
+    const DebugLines debug;
+    QCOMPARE(UtilsMisc::GetFileVersion(path), QStringLiteral("2.10.3.0"));
+    QCOMPARE(UtilsMisc::GetFileVersion(QDir::toNativeSeparators(path)), QStringLiteral("2.10.3.0"));
+    QCOMPARE(DebugLines::lines(), QStringList());
 }
 
 void tst_UtilsMisc_FileVersion::theLibraryTellsItsVersion()
 {
 #ifdef UNIPROG_LIBRARY
-    QFETCH(QString, name);
-    const QString copy = folder.filePath(name);
-    QVERIFY(QFile::copy(QStringLiteral(UNIPROG_LIBRARY), copy));
     const DebugLines debug;
-    QCOMPARE(UtilsMisc::GetFileVersion(copy), QStringLiteral(UNIPROG_VERSION ".0"));
-    QCOMPARE(UtilsMisc::GetFileVersion(QDir::toNativeSeparators(copy)), QStringLiteral(UNIPROG_VERSION ".0"));
+    QCOMPARE(UtilsMisc::GetFileVersion(QStringLiteral(UNIPROG_LIBRARY)), QStringLiteral(UNIPROG_VERSION ".0"));
     QCOMPARE(DebugLines::lines(), QStringList());
 #else
     QSKIP("Only the libraries of Windows carry their version.");
