@@ -64,6 +64,7 @@ private Q_SLOTS:
 
     void pairsKeepTheOrderOfTheirRegistration();
     void presentDevicesAreReportedBeforeTheCallReturns();
+    void aPairIsInTheListWhenItsDevicesAreReported();
     void everyPresentDeviceOfAPairIsReported();
     void arrivalsAndRemovalsOfWatchedDevicesAreReported();
     void devicesThatAreNotWatchedAreNotReported();
@@ -302,6 +303,21 @@ void tst_UtilsDetectDeviceWindows::presentDevicesAreReportedBeforeTheCallReturns
     QVERIFY(onlyReported(report + report));
     watcher().registerDeviceByPidVid(Pid, Vid);
     QCOMPARE(log, QStringList());
+}
+
+void tst_UtilsDetectDeviceWindows::aPairIsInTheListWhenItsDevicesAreReported()
+{
+    bus.plugIn(QStringLiteral("present"), Vid, Pid);
+    QVERIFY(onlyReported({}));
+    QObject receiver;
+    PidVids watchedThen;
+    connect(&watcher(), &UtilsDetectDeviceWindows::signalAttached, &receiver,
+            [&watchedThen] { watchedThen = watcher().getMonitoringDevices(); });
+    watcher().registerDeviceByPidVid(Pid, Vid);
+    QCOMPARE(watchedThen, PidVids({{Pid, Vid}}));
+    watcher().unregisterDeviceByPidVid(Pid, Vid);
+    bus.unplug(QStringLiteral("present"));
+    QVERIFY(onlyReported({QStringLiteral("attached 1234 1a2b")}));
 }
 
 void tst_UtilsDetectDeviceWindows::everyPresentDeviceOfAPairIsReported()
