@@ -49,9 +49,9 @@ public:
     /// How much of the ring the fading trail takes, in percent. Default: 70.
     void setTrailFadePercentage(double percentage);
     double trailFadePercentage() const;
-    /// Default: 1. A ring with 0 or less does not turn.
+    /// Default: 1. A ring with 0 or less does not turn. The getter keeps the spelling that applications know.
     void setRevolutionsPerSecond(double revolutions);
-    double revolutionsPerSecond() const;
+    double revolutionsPersSecond() const;
     /// Default: 11. The opaque bar starts anew. 0 or less leaves no bar, only the countdown.
     void setNumberOfLines(int lines);
     /// The length of a bar in pixels, default 10. The spinner's size is fixed to 2 x (inner radius + line length).

@@ -181,7 +181,7 @@ void WaitingSpinnerWidget::setRevolutionsPerSecond(double revolutions)
     updateTimer();
 }
 
-double WaitingSpinnerWidget::revolutionsPerSecond() const
+double WaitingSpinnerWidget::revolutionsPersSecond() const
 {
     return m_revolutionsPerSecond;
 }

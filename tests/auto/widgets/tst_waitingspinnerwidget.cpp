@@ -54,7 +54,7 @@ void tst_WaitingSpinnerWidget::theDefaultsAreAsStated()
     QCOMPARE(spinner.roundness(), 70.0);
     QCOMPARE(spinner.minimumTrailOpacity(), 15.0);
     QCOMPARE(spinner.trailFadePercentage(), 70.0);
-    QCOMPARE(spinner.revolutionsPerSecond(), 1.0);
+    QCOMPARE(spinner.revolutionsPersSecond(), 1.0);
     QCOMPARE(spinner.lineLength(), 10);
     QCOMPARE(spinner.lineWidth(), 4);
     QCOMPARE(spinner.innerRadius(), 10);
@@ -88,7 +88,7 @@ void tst_WaitingSpinnerWidget::theDefaultsComeBack()
     QCOMPARE(spinner.roundness(), 70.0);
     QCOMPARE(spinner.minimumTrailOpacity(), 15.0);
     QCOMPARE(spinner.trailFadePercentage(), 70.0);
-    QCOMPARE(spinner.revolutionsPerSecond(), 1.0);
+    QCOMPARE(spinner.revolutionsPersSecond(), 1.0);
     QCOMPARE(spinner.lineLength(), 10);
     QCOMPARE(spinner.lineWidth(), 4);
     QCOMPARE(spinner.innerRadius(), 10);
@@ -157,7 +157,7 @@ void tst_WaitingSpinnerWidget::propertiesAreStored()
     QCOMPARE(spinner.color(), QColor(1, 2, 3, 4));
     QCOMPARE(spinner.minimumTrailOpacity(), 22.5);
     QCOMPARE(spinner.trailFadePercentage(), 33.5);
-    QCOMPARE(spinner.revolutionsPerSecond(), 0.25);
+    QCOMPARE(spinner.revolutionsPersSecond(), 0.25);
 }
 
 void tst_WaitingSpinnerWidget::aStyleSheetMaySetTheColour()
@@ -234,7 +234,7 @@ void tst_WaitingSpinnerWidget::theIntervalIsThatOfAStep()
     spinner.setNumberOfLines(lines);
     spinner.setRevolutionsPerSecond(revolutions);
     QCOMPARE(rotationTimerOf(spinner)->interval(), interval);
-    QCOMPARE(spinner.revolutionsPerSecond(), revolutions);
+    QCOMPARE(spinner.revolutionsPersSecond(), revolutions);
 
     WaitingSpinnerWidget other(nullptr, false, false);
     other.setRevolutionsPerSecond(revolutions);
