@@ -1,7 +1,7 @@
 #include <UtilsFade.h>
 #include <UtilsStackedWidget.h>
 
-#include <ReferenceFade.h>
+#include <ReferenceAnimation.h>
 #include <UniProgTest.h>
 
 #include <QApplication>
@@ -13,7 +13,9 @@
 #include <QSignalSpy>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
+#include <utility>
 
 class tst_UtilsStackedWidget : public UniProgTest
 {
@@ -92,7 +94,29 @@ public:
         };
         return QTest::qWaitFor(isSettled, Settled);
     }
+
+    /// Waits until the opacity of what is shown has changed @p steps times on the way to @p page, or @p page is there.
+    bool takesStepsTo(QWidget *page, int steps) const
+    {
+        int seen = 0;
+        double last = opacity(currentWidget());
+        const auto isThatFar = [&] {
+            const double now = opacity(currentWidget());
+            if (!qFuzzyCompare(now, std::exchange(last, now)))
+                ++seen;
+            return seen >= steps || (currentWidget() == page && isOpaque(page));
+        };
+        return QTest::qWaitFor(isThatFar, Settled);
+    }
 };
+
+/// Waits until a change that begins now has come to its end: what was begun before is at its end by then, too.
+void letFadesEnd()
+{
+    Stack later(true);
+    later.setCurrentIndex(1);
+    QVERIFY(later.settlesAt(later.widget(1)));
+}
 
 } // namespace
 
@@ -238,12 +262,12 @@ void tst_UtilsStackedWidget::theFadesTakeTheirTime()
         = [](const QWidget *page) { return qobject_cast<QGraphicsOpacityEffect *>(page->graphicsEffect()); };
     Stack leaving(true);
     leaving.setCurrentIndex(1);
-    const ReferenceFade out(effectOf(leaving.widget(0)), 1.0, 0.3, 90);
+    const ReferenceAnimation out(effectOf(leaving.widget(0)), "opacity", 1.0, 0.3, 90);
     Stack arriving(true);
     arriving.setCurrentIndex(1);
     arriving.slotEndChangeCurrent();
     QCOMPARE(arriving.currentIndex(), 1);
-    const ReferenceFade in(effectOf(arriving.widget(1)), 0.3, 1.0, 200);
+    const ReferenceAnimation in(effectOf(arriving.widget(1)), "opacity", 0.3, 1.0, 200);
     QTRY_VERIFY(out.hasEnded() && in.hasEnded());
     QVERIFY(out.agrees());
     QVERIFY(in.agrees());
@@ -262,21 +286,28 @@ void tst_UtilsStackedWidget::changingToTheCurrentPageFadesIt()
 
 void tst_UtilsStackedWidget::aSecondChangeWins_data()
 {
-    QTest::addColumn<int>("delay");
-    for (const int delay : {0, 40, 120, 200, 280})
-        QTest::addRow("after %d ms", delay) << delay;
+    using Moment = std::function<bool(const Stack &)>;
+    QTest::addColumn<Moment>("moment");
+    QTest::newRow("at once") << Moment([](const Stack &) { return true; });
+    QTest::newRow("while the old page goes")
+        << Moment([](const Stack &stack) { return stack.currentIndex() == 1 || opacity(stack.widget(0)) < 0.9; });
+    QTest::newRow("when the new page is there") << Moment([](const Stack &stack) { return stack.currentIndex() == 1; });
+    QTest::newRow("while the new page comes")
+        << Moment([](const Stack &stack) { return stack.currentIndex() == 1 && opacity(stack.widget(1)) > 0.5; });
+    QTest::newRow("when the new page has come")
+        << Moment([](const Stack &stack) { return stack.currentIndex() == 1 && opacity(stack.widget(1)) > 0.95; });
 }
 
 void tst_UtilsStackedWidget::aSecondChangeWins()
 {
-    QFETCH(int, delay);
+    using Moment = std::function<bool(const Stack &)>;
+    QFETCH(Moment, moment);
     Stack back(true);
     Stack again(true);
     Stack further(true);
     for (Stack *stack : {&back, &again, &further})
         stack->setCurrentIndex(1);
-    if (delay > 0)
-        QTest::qWait(delay);
+    QTRY_VERIFY(moment(back)); // one clock drives all three
     back.setCurrentIndex(0);
     again.setCurrentIndex(1);
     further.setCurrentIndex(2);
@@ -312,7 +343,7 @@ void tst_UtilsStackedWidget::manyRapidChangesEndAtTheLast()
     Stack stack(true, 5);
     for (int i = 0; i < 60; ++i) {
         stack.setCurrentIndex(i % 5);
-        QTest::qWait(i % 4 * 10);
+        QVERIFY(stack.takesStepsTo(stack.widget(i % 5), i % 4));
     }
     stack.setCurrentIndex(3);
     QVERIFY(stack.settlesAt(stack.widget(3)));
@@ -363,7 +394,7 @@ void tst_UtilsStackedWidget::allPagesMayGoMeanwhile()
     stack.setCurrentIndex(2);
     while (stack.count() > 0)
         delete stack.widget(0);
-    QTest::qWait(LongerThanAFade);
+    letFadesEnd();
     QCOMPARE(stack.currentIndex(), -1);
 
     stack.addWidget(new QLabel);
@@ -397,7 +428,7 @@ void tst_UtilsStackedWidget::theStackMayGoMeanwhile()
     stack->setCurrentIndex(1);
     QTRY_COMPARE(stack->currentIndex(), 1);
     stack.reset();
-    QTest::qWait(LongerThanAFade); // the fades end without their stack
+    letFadesEnd(); // without their stack
 }
 
 void tst_UtilsStackedWidget::currentChangedMayAskForAnotherPage()

@@ -2,7 +2,7 @@
 #include <UtilsSingleInstance.h>
 
 #include <ContextTranslator.h>
-#include <ReferenceFade.h>
+#include <ReferenceAnimation.h>
 #include <UniProgTest.h>
 
 #include <QApplication>
@@ -342,7 +342,7 @@ void tst_UtilsDialogFrame::theCardFadesInAndGetsItsShadow()
 
     QSignalSpy steps(opacity, &QGraphicsOpacityEffect::opacityChanged);
     frame->show();
-    const ReferenceFade reference(opacity, 0.0, 1.0, 200);
+    const ReferenceAnimation reference(opacity, "opacity", 0.0, 1.0, 200);
     QVERIFY(card->isVisible());
     QVERIFY(opacity->opacity() < 1.0);
     // A window that comes back from the task bar is shown again, and its card does not start anew.

@@ -1,5 +1,7 @@
 #include <UtilsDialogProcessingContent.h>
 
+#include <ContextTranslator.h>
+#include <ReferenceAnimation.h>
 #include <UniProgTest.h>
 
 #include <UtilsLogger.h>
@@ -54,6 +56,7 @@ class tst_UtilsDialogProcessingContent : public UniProgTest
 
 private Q_SLOTS:
     void theFormIsAsStyleSheetsExpectIt();
+    void textsAreTranslatedInTheContextOfTheClass();
     void theMessageStandsOnTop();
     void theLoggerIsThatOfTheForm();
     void theProgressBarReplacesThePlaceholder();
@@ -89,6 +92,16 @@ void tst_UtilsDialogProcessingContent::theFormIsAsStyleSheetsExpectIt()
     compareSpacer(layout->itemAt(6), 12);
     QCOMPARE(layout->itemAt(7)->widget()->objectName(), "widget_button");
     compareMargins(layout->itemAt(7)->widget()->layout(), "horizontalLayout", QMargins());
+}
+
+void tst_UtilsDialogProcessingContent::textsAreTranslatedInTheContextOfTheClass()
+{
+    const ContextTranslator translator("UtilsDialogProcessingContent");
+    UtilsDialogProcessingContent content;
+    QCOMPARE(content.windowTitle(), "<Form>");
+    QCOMPARE(content.getMessageLabel()->text(), "<TextLabel>");
+    content.slotExpandAnimFinished();
+    QCOMPARE(content.getButton()->text(), "<CLOSE>");
 }
 
 void tst_UtilsDialogProcessingContent::theMessageStandsOnTop()
@@ -132,9 +145,12 @@ void tst_UtilsDialogProcessingContent::theProgressBarReplacesThePlaceholder()
     QCOMPARE(bar->maximumHeight(), 5);
     QVERIFY(!bar->isTextVisible());
     QCOMPARE(bar->styleSheet(), "border: 0px;");
-    bar->setValue(10);
-    QVERIFY(bar->value() < 10); // it glides
-    QTRY_COMPARE(bar->value(), 10);
+    bar->setValue(100);
+    const ReferenceAnimation glide(bar, "value", 0, 100, 100, QEasingCurve::Linear);
+    QVERIFY(bar->value() < 100);
+    QTRY_VERIFY(glide.hasEnded());
+    QVERIFY(glide.agrees());
+    QCOMPARE(bar->value(), 100);
 }
 
 void tst_UtilsDialogProcessingContent::theButtonIsCollapsed()
@@ -176,9 +192,12 @@ void tst_UtilsDialogProcessingContent::theButtonGrowsAndThenReadsClose()
     QWidget *area = content.getButton()->parentWidget();
     content.show();
     content.expandButton();
+    const ReferenceAnimation growth(area, "minimumHeight", 0, ButtonHeight, 150);
     QCOMPARE(area->minimumHeight(), 0);
     QVERIFY(content.getButton()->text().isEmpty());
     QTRY_COMPARE(content.getButton()->text(), "CLOSE");
+    QTRY_VERIFY(growth.hasEnded());
+    QVERIFY(growth.agrees());
     QCOMPARE(area->minimumHeight(), ButtonHeight);
     QTRY_VERIFY(content.getButton()->height() >= ButtonHeight);
     QVERIFY(content.getButton()->focusPolicy() & Qt::TabFocus);

@@ -1,6 +1,6 @@
 #include <UtilsFade.h>
 
-#include <ReferenceFade.h>
+#include <ReferenceAnimation.h>
 #include <UniProgTest.h>
 
 #include <QApplication>
@@ -125,8 +125,8 @@ void tst_UtilsFade::theOpacityGoesSlowlyAtBothEnds()
     UtilsFade fadeOut(&out, nullptr, Endless, Visible);
     fadeIn.In(nullptr);
     fadeOut.Out(nullptr);
-    const ReferenceFade rising(opacityEffect(in), 0.0, 1.0, Visible);
-    const ReferenceFade falling(opacityEffect(out), 1.0, 0.0, Visible);
+    const ReferenceAnimation rising(opacityEffect(in), "opacity", 0.0, 1.0, Visible);
+    const ReferenceAnimation falling(opacityEffect(out), "opacity", 1.0, 0.0, Visible);
     QTRY_VERIFY(rising.hasEnded() && falling.hasEnded());
     QVERIFY(rising.agrees());
     QVERIFY(falling.agrees());

@@ -1,5 +1,6 @@
 #include "SidebarSection.h"
 
+#include <ReferenceAnimation.h>
 #include <UniProgTest.h>
 
 #include <QApplication>
@@ -15,6 +16,7 @@ private Q_SLOTS:
 
     void openingEmitsNothing();
     void closingSaysThatTheItemIsOff();
+    void foldingTakesItsTime();
     void theSectionStaysOpenWhenNothingChanges();
     void theGroupIsExclusiveWhileOpen();
     void openedAndClosedInOneTurnItIsClosed();
@@ -62,6 +64,36 @@ void tst_UtilsSidebarItem_folding::closingSaysThatTheItemIsOff()
     QVERIFY(!section.main()->isChecked());
     QTRY_COMPARE(section.height(), 0);
     QCOMPARE(section.log, QStringList("item off"));
+}
+
+void tst_UtilsSidebarItem_folding::foldingTakesItsTime()
+{
+    constexpr int Duration = 150; // ms
+    Section section(3);
+    section.main()->click();
+    {
+        const ReferenceAnimation opens(section.list(), "maximumHeight", 0, 90, Duration, QEasingCurve::Linear);
+        QTRY_VERIFY(opens.hasEnded());
+        QVERIFY(opens.agrees());
+    }
+    section.item->addChild("another", 3);
+    {
+        const ReferenceAnimation grows(section.list(), "maximumHeight", 90, 120, Duration, QEasingCurve::Linear);
+        QTRY_VERIFY(grows.hasEnded());
+        QVERIFY(grows.agrees());
+    }
+    section.item->removeChild(1);
+    {
+        const ReferenceAnimation shrinks(section.list(), "maximumHeight", 120, 90, Duration, QEasingCurve::Linear);
+        QTRY_VERIFY(shrinks.hasEnded());
+        QVERIFY(shrinks.agrees());
+    }
+    section.main()->click();
+    {
+        const ReferenceAnimation closes(section.list(), "maximumHeight", 90, 0, Duration, QEasingCurve::Linear);
+        QTRY_VERIFY(closes.hasEnded());
+        QVERIFY(closes.agrees());
+    }
 }
 
 void tst_UtilsSidebarItem_folding::theSectionStaysOpenWhenNothingChanges()
