@@ -123,9 +123,11 @@ int UtilsSidebarItem::addChild(const QString &caption, int row)
     QToolButton *button = createChildButton(caption);
     auto *item = new QListWidgetItem;
     item->setSizeHint(QSize(0, ChildButtonHeight));
-    item->setData(Qt::AccessibleTextRole, caption);
     m_childList->insertItem(row, item);
     m_childList->setItemWidget(item, button);
+    // Assistive technology reads the buttons in the order of the widgets, not of the rows.
+    if (QListWidgetItem *next = m_childList->item(m_childList->row(item) + 1))
+        button->stackUnder(m_childList->itemWidget(next));
     m_childGroup->addButton(button);
     connect(button, &QToolButton::toggled, this, &UtilsSidebarItem::SlotChildButtonToggled);
 
@@ -171,11 +173,8 @@ void UtilsSidebarItem::removeChild(int childId)
 
 void UtilsSidebarItem::setChildCaption(int childId, const QString &caption)
 {
-    QToolButton *button = m_childButtons.value(childId);
-    if (!button)
-        return;
-    button->setText(caption);
-    m_childList->item(rowOf(button))->setData(Qt::AccessibleTextRole, caption);
+    if (QToolButton *button = m_childButtons.value(childId))
+        button->setText(caption);
 }
 
 void UtilsSidebarItem::checkChild(int childId)

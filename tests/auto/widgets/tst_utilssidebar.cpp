@@ -1,4 +1,7 @@
+#include "AccessibleButtons.h"
 #include "SidebarTest.h"
+
+#include <ContextTranslator.h>
 
 #include <QIcon>
 #include <QPointer>
@@ -15,6 +18,7 @@ private Q_SLOTS:
     void columnAndStackBelongToTheParent();
     void thereAreFiveSections_data();
     void thereAreFiveSections();
+    void captionsAreTranslatedInTheContextOfTheClass();
     void idsOfSectionsAreKeptAsTheyAreSet();
 
     void aRegisteredPageHasAButton();
@@ -31,6 +35,7 @@ private Q_SLOTS:
     void anUncheckedButtonShowsNothing();
     void buttonsOfOtherSectionsAreReset();
     void aWholeRunIsAnnounced();
+    void assistiveTechnologySelectsPages();
     void theSlotsAreFoundByTheirSignatures();
 
     void lookupsOfTheUnknown();
@@ -94,6 +99,16 @@ void tst_UtilsSidebar::thereAreFiveSections()
     QCOMPARE(shown(QIcon::Off), drawn("light"));
     main(id)->click();
     QCOMPARE(shown(QIcon::On), drawn("yellow"));
+}
+
+void tst_UtilsSidebar::captionsAreTranslatedInTheContextOfTheClass()
+{
+    delete sidebar;
+    const ContextTranslator translator("UtilsSidebar");
+    sidebar = UtilsSidebar::getInstance(window.get());
+    const QStringList expected{" <TARGET>", " <BRAMLOCK>", " <POWER>", " <OPTIONS>", " <HELP>"};
+    for (int id = 1; id <= 5; ++id)
+        QCOMPARE(main(id)->text(), expected.at(id - 1));
 }
 
 void tst_UtilsSidebar::idsOfSectionsAreKeptAsTheyAreSet()
@@ -331,6 +346,37 @@ void tst_UtilsSidebar::aWholeRunIsAnnounced()
     sidebar->slotShowWidget(flash);
     QCOMPARE(log, (QStringList{"Flash", "Memory", "Supply", "Supply", "Flash"}));
     QVERIFY(main(Help)->isEnabled());
+}
+
+void tst_UtilsSidebar::assistiveTechnologySelectsPages()
+{
+    QLabel *flash = addPage("Flash", 0, Target);
+    QLabel *memory = addPage("Memory", 1, Target);
+    QLabel *supply = addPage("Supply", 0, Power);
+    window->setCentralWidget(sidebar->getSidebarWidget());
+    window->resize(200, 600);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    const QStackedWidget *stack = sidebar->getUtilsStackedWidget();
+    const AccessibleButtons buttons(window.get());
+    QCOMPARE(buttons.names(), (QStringList{"TARGET", "BRAMLOCK", "POWER", "OPTIONS", "HELP"}));
+
+    QVERIFY(buttons.toggle("TARGET"));
+    QTRY_VERIFY(buttons.find("Memory"));
+    QVERIFY(buttons.toggle("Memory"));
+    QCOMPARE(stack->currentWidget(), memory);
+    QVERIFY(buttons.toggle("Flash"));
+    QCOMPARE(stack->currentWidget(), flash);
+    QVERIFY(buttons.toggle("POWER"));
+    QTRY_VERIFY(buttons.find("Supply"));
+    QVERIFY(buttons.toggle("Supply"));
+    QCOMPARE(stack->currentWidget(), supply);
+    QTRY_VERIFY(!buttons.find("Flash")); // TARGET has closed
+
+    QVERIFY(buttons.toggle("HELP")); // selected, without a page
+    QVERIFY(buttons.find("HELP")->state().checked);
+    QVERIFY(buttons.find("HELP")->state().disabled);
+    QCOMPARE(stack->currentWidget(), supply);
 }
 
 void tst_UtilsSidebar::theSlotsAreFoundByTheirSignatures()

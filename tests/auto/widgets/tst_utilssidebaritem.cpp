@@ -1,10 +1,11 @@
+#include "AccessibleButtons.h"
 #include "SidebarSection.h"
 
 #include <UtilsSidebarWidget.h>
 
+#include <ContextTranslator.h>
 #include <UniProgTest.h>
 
-#include <QAccessible>
 #include <QApplication>
 #include <QButtonGroup>
 #include <QGraphicsDropShadowEffect>
@@ -21,6 +22,7 @@ private Q_SLOTS:
     void cleanup();
 
     void theFormIsAsTheStyleExpects();
+    void textsAreTranslatedInTheContextOfTheClass();
     void setUpGivesTheMainButtonItsLook();
     void aChildButtonIsAsTheStyleExpects();
     void theReceiverHearsOfTheSection();
@@ -51,6 +53,7 @@ private Q_SLOTS:
     void theIconIsSharpAtEveryScale();
     void aStyleSheetOfItsOwnSeesNewChildren();
     void theSectionIsHeardByAssistiveTechnology();
+    void buttonsAreFoundWhileTheSectionIsOpen();
 };
 
 void tst_UtilsSidebarItem::cleanup()
@@ -97,6 +100,14 @@ void tst_UtilsSidebarItem::theFormIsAsTheStyleExpects()
     QCOMPARE(list->gridSize(), QSize(0, 30));
     QCOMPARE(list->property("background-color"), QVariant(QStringLiteral("transparent")));
     QVERIFY(!item.findChild<QButtonGroup *>()->exclusive());
+}
+
+void tst_UtilsSidebarItem::textsAreTranslatedInTheContextOfTheClass()
+{
+    const ContextTranslator translator("UtilsSidebarItem");
+    const UtilsSidebarItem item(nullptr);
+    QCOMPARE(item.windowTitle(), QStringLiteral("<Form>"));
+    QCOMPARE(item.findChild<QToolButton *>("toolButton_main")->text(), QStringLiteral("<PARENT BUTTON>"));
 }
 
 void tst_UtilsSidebarItem::setUpGivesTheMainButtonItsLook()
@@ -484,12 +495,30 @@ void tst_UtilsSidebarItem::theSectionIsHeardByAssistiveTechnology()
     QCOMPARE(section.takeLog(), (QStringList{"item on", "child 2 on"}));
 
     QAccessibleInterface *list = QAccessible::queryAccessibleInterface(section.list());
+    QCOMPARE(list->role(), QAccessible::Grouping);
     QCOMPARE(list->text(QAccessible::Name), QStringLiteral("POWER"));
-    QCOMPARE(list->childCount(), 2);
-    QCOMPARE(list->child(1)->text(QAccessible::Name), QStringLiteral("child 2"));
     section.item->setChildCaption(2, "Channels");
-    QCOMPARE(list->child(1)->text(QAccessible::Name), QStringLiteral("Channels"));
     QCOMPARE(child->text(QAccessible::Name), QStringLiteral("Channels"));
+}
+
+void tst_UtilsSidebarItem::buttonsAreFoundWhileTheSectionIsOpen()
+{
+    const Section section(2);
+    section.item->addChild("child 0", 0); // created last, and the first to be read
+    section.item->show();
+    QVERIFY(QTest::qWaitForWindowExposed(section.item.get()));
+    const AccessibleButtons buttons(section.item.get());
+    QCOMPARE(buttons.names(), QStringList("POWER"));
+
+    QVERIFY(buttons.toggle("POWER"));
+    QTRY_COMPARE(buttons.names(), (QStringList{"POWER", "child 0", "child 1", "child 2"}));
+    QVERIFY(buttons.toggle("child 2"));
+    QVERIFY(section.childAt(2)->isChecked());
+    QVERIFY(buttons.find("child 2")->state().checked);
+    QVERIFY(!buttons.toggle("POWER")); // disabled, as for the mouse
+
+    section.item->reset();
+    QTRY_COMPARE(buttons.names(), QStringList("POWER"));
 }
 
 UNIPROG_TEST_MAIN(tst_UtilsSidebarItem)

@@ -2,6 +2,7 @@
 #include <UtilsSidebarListWidget.h>
 #include <UtilsSidebarWidget.h>
 
+#include <ContextTranslator.h>
 #include <UniProgTest.h>
 
 #include <QApplication>
@@ -75,6 +76,7 @@ class tst_UtilsSidebarWidget : public UniProgTest
 
 private Q_SLOTS:
     void theFormIsAsTheStyleExpects();
+    void theTitleIsTranslatedInTheContextOfTheClass();
     void theFillerIsAlwaysLast();
     void sectionsAreCountedFromOne();
     void sectionsStandOneBelowTheOther();
@@ -123,6 +125,12 @@ void tst_UtilsSidebarWidget::theFormIsAsTheStyleExpects()
         QCOMPARE(expanding->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
         QCOMPARE(expanding->sizePolicy().verticalPolicy(), QSizePolicy::Expanding);
     }
+}
+
+void tst_UtilsSidebarWidget::theTitleIsTranslatedInTheContextOfTheClass()
+{
+    const ContextTranslator translator("UtilsSidebarWidget");
+    QCOMPARE(UtilsSidebarWidget().windowTitle(), QStringLiteral("<Form>"));
 }
 
 void tst_UtilsSidebarWidget::theFillerIsAlwaysLast()
