@@ -14,6 +14,7 @@ class tst_WaitingSpinnerCountdown : public UniProgTest
 
 private Q_SLOTS:
     void theCountdownIsDrawnUntilZero();
+    void theNumberHasItsFontAndPlace();
     void theCountdownEndsByItself();
     void theCountdownRunsWithoutTheSpinner();
     void theCountdownStartsWithTheSpinner();
@@ -50,6 +51,24 @@ void tst_WaitingSpinnerCountdown::theCountdownIsDrawnUntilZero()
     QCOMPARE(imageOf(two), images.at(1));
     spinner.updateCountdown();
     QVERIFY(!isNumberDrawn(spinner));
+}
+
+void tst_WaitingSpinnerCountdown::theNumberHasItsFontAndPlace()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.setNumberOfLines(0);
+    spinner.setFont(QFont(QStringLiteral("monospace"), 20)); // it has a font of its own
+    spinner.setCountdown(27);
+
+    QImage expected(spinner.size(), QImage::Format_ARGB32_Premultiplied);
+    expected.fill(Qt::transparent);
+    QPainter painter(&expected);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(spinner.palette().color(QPalette::WindowText));
+    painter.setFont(QFont(QStringLiteral("Open Sans"), 8));
+    painter.drawText(spinner.rect(), Qt::AlignCenter, QStringLiteral("27"));
+    painter.end();
+    QCOMPARE(imageOf(spinner), expected.convertToFormat(QImage::Format_ARGB32));
 }
 
 void tst_WaitingSpinnerCountdown::theCountdownEndsByItself()
