@@ -63,8 +63,8 @@ ProgrammerSession::ProgrammerSession(Driver kind, std::unique_ptr<UniProgInterfa
     , driverKind(kind)
     , selectedDevice(device.devices().constFirst())
     , external(std::move(externalDriver))
-    , operationThread(driver(), nullptr)
     , target(external ? external->GetTargetDescriptor() : device.GetTargetDescriptor())
+    , operationThread(driver(), nullptr)
 {
     operationThread.setObjectName(QStringLiteral("programmer"));
     connect(&operationThread, &UtilsUniProgThread::SignalProcedureCompleted, this,

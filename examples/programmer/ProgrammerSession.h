@@ -123,7 +123,6 @@ private:
     SimulatedProgrammer device;
     TSelectedDevice selectedDevice;
     std::unique_ptr<UniProgInterface> external; ///< null: the simulated programmer is used
-    UtilsUniProgThread operationThread;
     QSharedPointer<TargetDescriptor> target;
     MemoryManager firmware;
     QString firmwarePath;
@@ -134,6 +133,7 @@ private:
     QStringList plannedFaults;
     Operation current = Operation::Write;
     bool running = false;
+    UtilsUniProgThread operationThread; ///< the last one: it waits for a procedure, which uses those above
 };
 
 #endif // PROGRAMMERSESSION_H
