@@ -36,18 +36,18 @@ public:
     MemoryManager &operator=(MemoryManager &&other) noexcept;
     ~MemoryManager();
 
-    /// Puts @p data at @p address, over what is there, and joins segments that touch. Nothing happens and false is
+    /// Puts \a data at \a address, over what is there, and joins segments that touch. Nothing happens and false is
     /// returned when the data would reach past 0xFFFFFFFF. Empty data is accepted and changes nothing.
     bool write(quint32 address, const QByteArray &data);
 
-    /// @p size bytes from @p address; bytes that do not exist, also those past 0xFFFFFFFF, read as @p fill.
+    /// \a size bytes from \a address; bytes that do not exist, also those past 0xFFFFFFFF, read as \a fill.
     /// A negative size gives an empty array.
     QByteArray read(quint32 address, qsizetype size, char fill = ErasedByte) const;
 
-    /// Whether every one of the @p size bytes from @p address exists; true for a size of 0 or less.
+    /// Whether every one of the \a size bytes from \a address exists; true for a size of 0 or less.
     bool contains(quint32 address, qsizetype size = 1) const;
 
-    /// Forgets @p size bytes from @p address; segments are cut where needed.
+    /// Forgets \a size bytes from \a address; segments are cut where needed.
     void remove(quint32 address, qsizetype size);
     void clear();
 

@@ -104,7 +104,7 @@ public:
         QVariantList arguments;
         QThread *thread = nullptr; ///< to compare, not to use: the thread may be gone
 
-        /// The pointer given as argument @p index; null when that argument is none.
+        /// The pointer given as argument \a index; null when that argument is none.
         void *pointer(int index) const;
         /// One line, as in `BootloaderWrite(0x8000, 992, 992 bytes)`: signed numbers decimal, unsigned ones
         /// hexadecimal, devices by name, pointers as `pointer` or `null`.
@@ -117,11 +117,11 @@ public:
     {
         Answer(int status = 0); // not explicit: a bare status is the commonest answer
 
-        /// Takes @p time, at least.
+        /// Takes \a time, at least.
         Answer &after(std::chrono::milliseconds time);
         /// Emits SignalUpdateProgress() with these values.
         Answer &reporting(const QList<int> &values);
-        /// Writes @p value to the out-parameter, whatever the status: a bool (DetectTarget, VerifyTarget,
+        /// Writes \a value to the out-parameter, whatever the status: a bool (DetectTarget, VerifyTarget,
         /// CheckTargetBlank, the mismatch of PowerBootloaderVerify), a QByteArray (SwoGetData, PowerGetReadings,
         /// BootloaderGetInfo; cut to the size of the caller's buffer), or a TConfiguration, TPowerInfo,
         /// TPowerSupplyState or MemoryManager wrapped by QVariant::fromValue().
@@ -130,7 +130,7 @@ public:
         Answer &givingNothing();
         /// Blocks until release(), at most for the hold limit.
         Answer &untilReleased();
-        /// Runs @p function on the calling thread.
+        /// Runs \a function on the calling thread.
         Answer &calling(const std::function<void()> &function);
 
         int status = 0;
@@ -150,9 +150,9 @@ public:
     /// @{
     /// Answers every call, until told otherwise.
     void always(Operation operation, const Answer &answer);
-    /// Answers the next @p count calls that no earlier next() answers.
+    /// Answers the next \a count calls that no earlier next() answers.
     void next(Operation operation, const Answer &answer, int count = 1);
-    /// Answers the call number @p n of this operation, counted from 1 since construction or reset().
+    /// Answers the call number \a n of this operation, counted from 1 since construction or reset().
     void nth(Operation operation, int n, const Answer &answer);
     /// Forgets the script, the calls and what was noticed; keeps the descriptor and the settings.
     void reset();
@@ -168,9 +168,9 @@ public:
     QList<Call> calls() const;
     /// Call::toString() of all calls.
     QStringList transcript() const;
-    /// How often @p operation was called, recorded or not.
+    /// How often \a operation was called, recorded or not.
     int callCount(Operation operation) const;
-    /// Blocks until @p operation has been called @p count times; false when that takes longer than @p timeout.
+    /// Blocks until \a operation has been called \a count times; false when that takes longer than \a timeout.
     bool waitForCall(Operation operation, int count = 1,
                      std::chrono::milliseconds timeout = std::chrono::seconds(30)) const;
 
@@ -179,7 +179,7 @@ public:
     /// GetTargetDescriptor and SetWiFiLinkPassword are free: they are meant for the application's thread.
     QStringList interleavings() const;
 
-    /// Whether @p password is what the last SetWiFiLinkPassword() brought. The driver keeps a digest, never the
+    /// Whether \a password is what the last SetWiFiLinkPassword() brought. The driver keeps a digest, never the
     /// password, so no log and no dump of a test shows it.
     bool receivedWiFiLinkPassword(const QString &password) const;
 
@@ -192,7 +192,7 @@ public:
     /// @{
     /// Lets every call go on that is held now.
     void release();
-    /// Blocks until a call is held; false when that takes longer than @p timeout.
+    /// Blocks until a call is held; false when that takes longer than \a timeout.
     bool waitUntilHeld(std::chrono::milliseconds timeout = std::chrono::seconds(30)) const;
     /// How long a call is held at most; 30 s by default. A call that reaches the limit warns and goes on.
     void setHoldLimit(std::chrono::milliseconds limit);

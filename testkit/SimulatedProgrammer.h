@@ -184,10 +184,10 @@ public:
 
     // --- Faults -----------------------------------------------------------------------------------------------------
 
-    /// Plans @p fault. Faults add up; of several that fit, the one added first strikes first.
+    /// Plans \a fault. Faults add up; of several that fit, the one added first strikes first.
     void addFault(const Fault &fault);
 
-    /// Plans a fault given as text, as on a command line. Returns false, and a sentence in @p error if it is not null,
+    /// Plans a fault given as text, as on a command line. Returns false, and a sentence in \a error if it is not null,
     /// when the text is not understood; nothing is planned then.
     ///
     ///     NAME                            every call fails with a status of its own kind
@@ -220,7 +220,7 @@ public:
     void setDevices(const QList<TSelectedDevice> &devices);
     QList<TSelectedDevice> devices() const;
 
-    /// Makes @p device the one Connect() goes to, as if it had been connected last. False, and nothing changes, when it
+    /// Makes \a device the one Connect() goes to, as if it had been connected last. False, and nothing changes, when it
     /// is unknown. A device is known by its link and by what else is filled in of serial number, name, USB ids and
     /// path, WiFi address and port; a record that says nothing of that is unknown.
     bool selectDevice(const TSelectedDevice &device);
@@ -233,7 +233,7 @@ public:
     /// True refuses connections with FirmwareTooOld.
     void setFirmwareTooOld(bool tooOld);
 
-    /// What a WiFi connection over @p link demands from SetWiFiLinkPassword(); empty (the default) demands nothing.
+    /// What a WiFi connection over \a link demands from SetWiFiLinkPassword(); empty (the default) demands nothing.
     void setWiFiPassword(OPERATION_TYPE link, const QString &password);
     /// Whether a connection without the right password gives ConfigurationLinkAuthenticationFailed or
     /// DebugLinkAuthenticationFailed (the default), or just WiFiAuthenticationFailed.
@@ -297,15 +297,15 @@ public:
 
     // --- The bootloaders --------------------------------------------------------------------------------------------
 
-    /// CRC-32 (IEEE 802.3, as zlib computes it) of @p data: what the bootloaders compare, and what stands in the first
+    /// CRC-32 (IEEE 802.3, as zlib computes it) of \a data: what the bootloaders compare, and what stands in the first
     /// four bytes of a firmware image.
     static quint32 crc32(const QByteArray &data);
 
     bool isInBootloader() const;
     bool isPowerModuleInBootloader() const;
-    /// The first @p size bytes from BootloaderStart; fewer when the flash is smaller, none for a negative size.
+    /// The first \a size bytes from BootloaderStart; fewer when the flash is smaller, none for a negative size.
     QByteArray firmware(int size) const;
-    /// The first @p size bytes from PowerBootloaderStart, likewise.
+    /// The first \a size bytes from PowerBootloaderStart, likewise.
     QByteArray powerFirmware(int size) const;
     /// What BootloaderGetInfo() gives: by default device id 0x1002 (4 bytes), version 0x0100 (2 bytes) and sector size
     /// (2 bytes), little-endian.
@@ -313,9 +313,9 @@ public:
 
     // --- What happened ----------------------------------------------------------------------------------------------
 
-    /// How often @p operation was called, refused calls included.
+    /// How often \a operation was called, refused calls included.
     int callCount(Operation operation) const;
-    /// How often @p operation returned Success.
+    /// How often \a operation returned Success.
     int successCount(Operation operation) const;
     /// Calls that were refused because of their order or arguments, in words: "WriteTarget: no connection to the
     /// target". Losing the link makes no call wrong. Arguments are never quoted: some are secrets.
@@ -348,7 +348,7 @@ public:
     QSharedPointer<TargetDescriptor> GetTargetDescriptor() override;
     /// Remembers the password; whether it is right shows at the next connection.
     int SetWiFiLinkPassword(QString password, bool debugLink) override;
-    /// @p mode: 0 only.
+    /// \a mode: 0 only.
     int ResetTarget(int mode) override;
     int SwoGetData(unsigned char *data, unsigned short *size) override;
     int SwoEnable(unsigned int parameter) override;
@@ -357,30 +357,30 @@ public:
     int VerifyTarget(MemoryManager *memory, bool *verified, int leaveRunning) override;
     /// Bits that are 0 stay 0: writing to a cell that is not erased leaves both values joined by AND, and ends the
     /// operation after that block with NotErased. An image that reaches out of the flash is refused before the first
-    /// byte. @p mode: 0 only.
+    /// byte. \a mode: 0 only.
     int WriteTarget(MemoryManager *memory, int mode) override;
     int EraseTargetMass() override;
     int EraseTarget(MemoryManager *memory) override;
     int CheckTargetBlank(bool *blank, bool leaveRunning) override;
 
     int BootloaderEnter() override;
-    /// @p startAddress: at the start of a sector.
+    /// \a startAddress: at the start of a sector.
     int BootloaderErase(unsigned int startAddress, int sectorCount) override;
     /// Only whole blocks, at a multiple of their size from the start of the flash, after an erase. A block that would
     /// raise a bit is refused with NotErased and changes nothing; bytes 0xFF raise none, so the padding of the last
     /// block may lie outside of the erased sectors.
     int BootloaderWrite(unsigned int address, int length, const char *data) override;
-    /// VerifyError when the CRC of the first @p imageSize bytes is another one.
+    /// VerifyError when the CRC of the first \a imageSize bytes is another one.
     int BootloaderVerify(unsigned int crc, int imageSize) override;
     int BootloaderGetInfo(QByteArray *info) override;
     /// FirmwareInvalid, and the bootloader stays active, when something was erased and not verified since.
     int BootloaderExit() override;
 
     int PowerSwitch(unsigned char channel, unsigned char state) override;
-    /// @p volts: 1.2 to 5.5.
+    /// \a volts: 1.2 to 5.5.
     int PowerSetVoltage(unsigned char channel, float volts) override;
     int PowerSetBatteryOptions(unsigned int options) override;
-    /// For each channel millivolts and milliamperes, two bytes each, little-endian, as far as @p size goes. Bytes
+    /// For each channel millivolts and milliamperes, two bytes each, little-endian, as far as \a size goes. Bytes
     /// beyond are set to 0.
     int PowerGetReadings(unsigned char *readings, int size) override;
     int PowerGetInfo(TPowerInfo *info) override;

@@ -15,11 +15,11 @@ public:
     /// Leaves the bootloader; false, and it stays active, when the firmware was erased and not verified since.
     bool start();
 
-    /// Where @p address is, from the start of the flash.
+    /// Where \a address is, from the start of the flash.
     qint64 offsetOf(quint32 address) const;
 
     int checkErase(quint32 address, qint64 sectorCount) const;
-    /// Erases sector @p index, counted from @p address.
+    /// Erases sector \a index, counted from \a address.
     void eraseSector(quint32 address, int index);
     /// From now on blocks may be written; an erase of no sectors is one as well.
     void noteErase();

@@ -23,12 +23,12 @@ public:
     static constexpr int MaximumSlowness = 1000;
 
     void add(const SimulatedProgrammer::Fault &fault);
-    /// See SimulatedProgrammer::addFault(). Returns what is wrong with @p text, nothing when it was added.
+    /// See SimulatedProgrammer::addFault(). Returns what is wrong with \a text, nothing when it was added.
     QString add(const QString &text);
     void clear();
     static QStringList names();
 
-    /// A call of @p operation begins: the faults that may hit it.
+    /// A call of \a operation begins: the faults that may hit it.
     QList<SimulatedProgrammer::Fault> takeCall(SimulatedProgrammer::Operation operation);
     /// The factor by which every operation takes longer.
     int slowness() const;

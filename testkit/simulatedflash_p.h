@@ -22,18 +22,18 @@ public:
 
     /// Every sector.
     QList<Span> sectors() const;
-    /// The sectors that the segments of @p memory touch, each once. All of it must be inside.
+    /// The sectors that the segments of \a memory touch, each once. All of it must be inside.
     QList<Span> sectors(const MemoryManager &memory) const;
     /// The memory in blocks.
     QList<Span> blocks() const;
-    /// The segments of @p memory in blocks. All of it must be inside.
+    /// The segments of \a memory in blocks. All of it must be inside.
     QList<Span> blocks(const MemoryManager &memory) const;
 
     /// Reads what is there; the range must be inside.
     QByteArray read(quint32 address, int size) const;
-    /// Clears bits. False when the memory does not hold @p data afterwards.
+    /// Clears bits. False when the memory does not hold \a data afterwards.
     bool program(quint32 address, const QByteArray &data);
-    /// Puts @p data there, whatever the cells held.
+    /// Puts \a data there, whatever the cells held.
     void set(quint32 address, const QByteArray &data);
     void erase(const Span &span);
 

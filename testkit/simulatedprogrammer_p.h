@@ -64,7 +64,7 @@ struct SimulatedProgrammer::State
 
     explicit State(SimulatedProgrammer *owner);
 
-    /// Runs an operation: counts it, refuses it or lets its time pass and its faults strike, and then runs @p body,
+    /// Runs an operation: counts it, refuses it or lets its time pass and its faults strike, and then runs \a body,
     /// a function that takes the Call and returns the status, with the mutex held.
     template <typename Body>
     int run(Operation operation, int needs, bool argumentsValid, Body body);
@@ -76,17 +76,17 @@ struct SimulatedProgrammer::State
     void leaveInterface();
     /// Connects to the device of that number; -1 is one there is not.
     int connect(int device, OPERATION_TYPE type, Call &call);
-    /// The number of the known device that @p device means; -1 when there is none.
+    /// The number of the known device that \a device means; -1 when there is none.
     int indexOf(const TSelectedDevice &device) const;
-    /// Whether the target's memory, all of @p memory, can be reached: Success, or why not.
+    /// Whether the target's memory, all of \a memory, can be reached: Success, or why not.
     int checkMemory(const MemoryManager &memory) const;
-    /// Does @p work (a function of a Span and whether to corrupt it, that returns a status) for every one of @p spans:
+    /// Does \a work (a function of a Span and whether to corrupt it, that returns a status) for every one of \a spans:
     /// lets time pass, faults strike and progress be reported.
     template <typename Work>
     int forEach(const QList<SimulatedFlash::Span> &spans, const SimulatedPace &pace, Call &call, Work work);
     int erase(const QList<SimulatedFlash::Span> &sectors, const SimulatedPace &pace, Call &call);
     void flipBit(const SimulatedFlash::Span &span);
-    /// The voltage at the pin of @p channel.
+    /// The voltage at the pin of \a channel.
     float voltageOf(int channel) const;
     int eraseFirmware(SimulatedBootloader &loader, quint32 address, qint64 sectorCount, Call &call);
     int writeFirmware(SimulatedBootloader &loader, quint32 address, const QByteArray &data, Call &call);
@@ -170,15 +170,15 @@ public:
     Call(State &state, Operation operation);
     ~Call();
 
-    /// Counts the call and checks whether it may run. @p withFaults: whether planned faults apply.
+    /// Counts the call and checks whether it may run. \a withFaults: whether planned faults apply.
     int begin(int needs, bool argumentsValid, bool withFaults = true);
     int finish(int status);
     /// Notes that the call was wrong.
     int refuse(int status, const char *reason);
 
-    /// Lets the time of a block of @p bytes bytes pass, and its faults strike. Call it before the block is done.
+    /// Lets the time of a block of \a bytes bytes pass, and its faults strike. Call it before the block is done.
     Block block(int bytes, std::chrono::nanoseconds duration);
-    /// The next block is number @p block + 1, with @p bytes bytes done before it.
+    /// The next block is number \a block + 1, with \a bytes bytes done before it.
     void startAt(int block, qint64 bytes);
     /// Emits the progress signal if the percentage has grown.
     void reportProgress(qint64 done, qint64 total);
