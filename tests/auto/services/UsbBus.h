@@ -1,6 +1,8 @@
 #ifndef USBBUS_H
 #define USBBUS_H
 
+#include <UtilsWindowsTypes.h>
+
 #include <QString>
 
 #include <memory>
@@ -9,7 +11,11 @@
 class UsbBus
 {
 public:
-    UsbBus();
+    /// Human interface devices.
+    static constexpr GUID HidClass = {0x4D1E55B2, 0xF16F, 0x11CF, {0x88, 0xCB, 0x00, 0x11, 0x11, 0x00, 0x00, 0x30}};
+
+    /// Its devices have the interface @p interfaceClass; Linux does not look at it.
+    explicit UsbBus(const GUID &interfaceClass = HidClass);
     ~UsbBus();
 
     /// Why the system cannot be made to believe in the devices; "" when it can.

@@ -10,7 +10,7 @@ struct UsbBus::Devices
     QHash<QString, QByteArray> paths;
 };
 
-UsbBus::UsbBus()
+UsbBus::UsbBus(const GUID & /*interfaceClass*/)
     : devices(std::make_unique<Devices>())
 {
     if (problem().isEmpty())

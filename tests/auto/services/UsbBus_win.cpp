@@ -17,7 +17,6 @@
 
 namespace {
 
-constexpr GUID InterfaceClass = {0x4D1E55B2, 0xF16F, 0x11CF, {0x88, 0xCB, 0x00, 0x11, 0x11, 0x00, 0x00, 0x30}};
 const wchar_t DeviceClasses[] = L"SYSTEM\\CurrentControlSet\\Control\\DeviceClasses\\";
 
 std::wstring instanceId(const QString &name, int vid, int pid)
@@ -31,11 +30,11 @@ std::wstring instanceId(const QString &name, int vid, int pid)
 }
 
 /// "\\?\USB#VID_1A2B&PID_1234#NAME#{class}"
-std::wstring interfacePath(const std::wstring &instance)
+std::wstring interfacePath(const std::wstring &instance, const GUID &interfaceClass)
 {
     return QStringLiteral("\\\\?\\%1#%2")
         .arg(QString::fromStdWString(instance).replace(QLatin1Char('\\'), QLatin1Char('#')),
-             QUuid(InterfaceClass).toString())
+             QUuid(interfaceClass).toString())
         .toStdWString();
 }
 
@@ -43,11 +42,11 @@ std::wstring interfacePath(const std::wstring &instance)
 class DeviceSet
 {
 public:
-    explicit DeviceSet(const std::wstring &instance)
-        : set(SetupDiCreateDeviceInfoList(&InterfaceClass, nullptr))
+    DeviceSet(const std::wstring &instance, const GUID &interfaceClass)
+        : set(SetupDiCreateDeviceInfoList(&interfaceClass, nullptr))
     {
         record.cbSize = sizeof(record);
-        if (!SetupDiCreateDeviceInfoW(set, instance.c_str(), &InterfaceClass, nullptr, nullptr, 0, &record)
+        if (!SetupDiCreateDeviceInfoW(set, instance.c_str(), &interfaceClass, nullptr, nullptr, 0, &record)
             && !SetupDiOpenDeviceInfoW(set, instance.c_str(), nullptr, 0, &record))
             qWarning("The device cannot be made: error %lu", GetLastError());
     }
@@ -62,12 +61,12 @@ public:
 };
 
 /// What the plug and play manager notes of an interface whose device is plugged in.
-void markAsPresent(const std::wstring &path)
+void markAsPresent(const std::wstring &path, const GUID &interfaceClass)
 {
     std::wstring key = path;
     for (const std::size_t index : {std::size_t(0), std::size_t(1), std::size_t(3)})
         key[index] = L'#';
-    key = DeviceClasses + QUuid(InterfaceClass).toString().toStdWString() + L'\\' + key + L"\\#\\Control";
+    key = DeviceClasses + QUuid(interfaceClass).toString().toStdWString() + L'\\' + key + L"\\#\\Control";
     HKEY control = nullptr;
     const DWORD linked = 1;
     if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, key.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &control, nullptr)
@@ -77,14 +76,14 @@ void markAsPresent(const std::wstring &path)
     RegCloseKey(control);
 }
 
-void broadcast(WPARAM event, const std::wstring &path)
+void broadcast(WPARAM event, const std::wstring &path, const GUID &interfaceClass)
 {
     const std::size_t bytes = (path.size() + 1) * sizeof(wchar_t);
     std::vector<char> buffer(sizeof(DEV_BROADCAST_DEVICEINTERFACE_W) + bytes);
     auto *device = reinterpret_cast<DEV_BROADCAST_DEVICEINTERFACE_W *>(buffer.data());
     device->dbcc_size = DWORD(buffer.size());
     device->dbcc_devicetype = DBT_DEVTYP_DEVICEINTERFACE;
-    device->dbcc_classguid = InterfaceClass;
+    device->dbcc_classguid = interfaceClass;
     std::memcpy(device->dbcc_name, path.c_str(), bytes);
     // Every registered window gets it, as from the system.
     const QString windowClass = QStringLiteral("UsbHidDeviceWatcher");
@@ -102,12 +101,15 @@ void broadcast(WPARAM event, const std::wstring &path)
 
 struct UsbBus::Devices
 {
+    GUID interfaceClass;
     QHash<QString, std::wstring> instances;
 };
 
-UsbBus::UsbBus()
+UsbBus::UsbBus(const GUID &interfaceClass)
     : devices(std::make_unique<Devices>())
-{ }
+{
+    devices->interfaceClass = interfaceClass;
+}
 
 UsbBus::~UsbBus()
 {
@@ -125,21 +127,22 @@ void UsbBus::plugIn(const QString &name, int vid, int pid)
 {
     const std::wstring instance = instanceId(name, vid, pid);
     devices->instances.insert(name, instance);
-    DeviceSet device(instance);
+    const std::wstring path = interfacePath(instance, devices->interfaceClass);
+    DeviceSet device(instance, devices->interfaceClass);
     if (!SetupDiRegisterDeviceInfo(device.set, &device.record, 0, nullptr, nullptr, nullptr)
-        || !SetupDiCreateDeviceInterfaceW(device.set, &device.record, &InterfaceClass, nullptr, 0, nullptr))
+        || !SetupDiCreateDeviceInterfaceW(device.set, &device.record, &devices->interfaceClass, nullptr, 0, nullptr))
         qWarning("The device cannot be registered: error %lu", GetLastError());
-    markAsPresent(interfacePath(instance));
-    broadcast(DBT_DEVICEARRIVAL, interfacePath(instance));
+    markAsPresent(path, devices->interfaceClass);
+    broadcast(DBT_DEVICEARRIVAL, path, devices->interfaceClass);
 }
 
 void UsbBus::unplug(const QString &name)
 {
     const std::wstring instance = devices->instances.take(name);
     {
-        DeviceSet device(instance);
+        DeviceSet device(instance, devices->interfaceClass);
         if (!SetupDiRemoveDevice(device.set, &device.record))
             qWarning("The device cannot be removed: error %lu", GetLastError());
     }
-    broadcast(DBT_DEVICEREMOVECOMPLETE, interfacePath(instance));
+    broadcast(DBT_DEVICEREMOVECOMPLETE, interfacePath(instance, devices->interfaceClass), devices->interfaceClass);
 }

@@ -23,8 +23,6 @@ constexpr int PatienceMs = 30'000;
 constexpr int Vid = 0x1A2B;
 constexpr int Pid = 0x1234;
 constexpr int OtherPid = 0x0ABC;
-/// Human interface devices; Linux does not look at it.
-constexpr GUID InterfaceClass = {0x4D1E55B2, 0xF16F, 0x11CF, {0x88, 0xCB, 0x00, 0x11, 0x11, 0x00, 0x00, 0x30}};
 
 UtilsDetectDeviceWindows &watcher()
 {
@@ -162,7 +160,7 @@ void tst_UtilsDetectDeviceWindows::beforeTheRegistrationNothingIsFound()
 
 void tst_UtilsDetectDeviceWindows::theRegistrationIsAccepted()
 {
-    QVERIFY(watcher().registerDeviceNotification(InterfaceClass));
+    QVERIFY(watcher().registerDeviceNotification(UsbBus::HidClass));
     QVERIFY(watcher().getHDeviceNotify());
 #ifdef Q_OS_WIN
     QVERIFY(watcher().getHwnd());
@@ -410,7 +408,7 @@ void tst_UtilsDetectDeviceWindows::aSecondRegistrationReportsEverythingOnceMore(
 {
     void *const firstHandle = watcher().getHDeviceNotify();
     const HWND firstWindow = watcher().getHwnd();
-    QVERIFY(watcher().registerDeviceNotification(InterfaceClass));
+    QVERIFY(watcher().registerDeviceNotification(UsbBus::HidClass));
     QVERIFY(watcher().getHDeviceNotify() != firstHandle);
     QVERIFY(!firstWindow || watcher().getHwnd() != firstWindow);
 
