@@ -5,6 +5,7 @@
 
 #include <QCommandLineParser>
 #include <QFile>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <utility>
@@ -12,6 +13,9 @@
 namespace {
 
 constexpr int SecondsPerDay = 24 * 60 * 60;
+constexpr int HexadecimalBase = 16;
+constexpr int TestVendor = 0x1209; // pid.codes, where the product is free for everybody's tests
+constexpr int TestProduct = 0x0001;
 
 const QString HeadlessOption = QStringLiteral("headless");
 const QString OperationOption = QStringLiteral("operation");
@@ -32,6 +36,7 @@ const QString WiFiOption = QStringLiteral("wifi");
 const QString PasswordFileOption = QStringLiteral("password-file");
 const QString DevicePasswordFileOption = QStringLiteral("device-password-file");
 const QString UpdateUrlOption = QStringLiteral("update-url");
+const QString WatchOption = QStringLiteral("watch");
 const QString NoDriverOption = QStringLiteral("no-driver");
 
 constexpr char PasswordVariable[] = "UNIPROG_WIFI_PASSWORD";
@@ -55,13 +60,24 @@ const QList<Sequence> &sequences()
     return all;
 }
 
+/// The operations that make sense without a window to show what they bring, then the sequences.
+QList<Sequence> operationChoices()
+{
+    using Subject = ProgrammerSession::Subject;
+    QList<Sequence> choices;
+    for (const ProgrammerSession::Description &description : ProgrammerSession::descriptions()) {
+        if (description.subject == Subject::Target || description.subject == Subject::DeviceFirmware
+            || description.subject == Subject::PowerModule)
+            choices.append({description.name, {description.operation}});
+    }
+    return choices + sequences();
+}
+
 QStringList operationNames()
 {
     QStringList names;
-    for (const ProgrammerSession::Description &description : ProgrammerSession::descriptions())
-        names.append(QString::fromLatin1(description.name));
-    for (const Sequence &sequence : sequences())
-        names.append(QString::fromLatin1(sequence.name));
+    for (const Sequence &choice : operationChoices())
+        names.append(QString::fromLatin1(choice.name));
     return names;
 }
 
@@ -120,6 +136,10 @@ void describeOptions(QCommandLineParser *parser)
          QStringLiteral("THEME"), Appearance::themes().constFirst()},
         {UpdateUrlOption, QStringLiteral("Ask for newer versions at URL: lines \"suite=1.2\" and \"firmware=2.3\"."),
          QStringLiteral("URL")},
+        {WatchOption,
+         QStringLiteral("Show in the window when USB devices with these hexadecimal identifiers come and go. May be "
+                        "given several times; 1209:0001, which is free for tests, by default."),
+         QStringLiteral("VID:PID")},
         {PicturesOption, QStringLiteral("Leave pictures of the window in the folder DIR."), QStringLiteral("DIR")},
         {TimeoutOption, QStringLiteral("Give up after S seconds. 300 by default."), QStringLiteral("S")},
     });
@@ -141,9 +161,30 @@ bool readNumberedValues(const QStringList &texts, QList<QPair<int, int>> *values
     return true;
 }
 
+bool readWatched(const QCommandLineParser &parser, CommandLine *commandLine, QString *error)
+{
+    static const QRegularExpression pattern(QStringLiteral("^([0-9a-fA-F]{1,4}):([0-9a-fA-F]{1,4})$"));
+    const QStringList texts = parser.values(WatchOption);
+    for (const QString &text : texts) {
+        const QRegularExpressionMatch match = pattern.match(text);
+        if (!match.hasMatch()) {
+            *error = QStringLiteral("USB devices are given as VID:PID, two hexadecimal numbers up to FFFF; \"%1\" is "
+                                    "none.")
+                         .arg(text);
+            return false;
+        }
+        commandLine->watched.append(
+            {match.captured(1).toInt(nullptr, HexadecimalBase), match.captured(2).toInt(nullptr, HexadecimalBase)});
+    }
+    if (texts.isEmpty())
+        commandLine->watched.append({TestVendor, TestProduct});
+    return true;
+}
+
 bool readOperations(const QStringList &texts, QList<ProgrammerSession::Operation> *operations, QString *error)
 {
     const QStringList names = operationNames();
+    const QList<Sequence> choices = operationChoices();
     for (const QString &text : texts) {
         const qsizetype index = names.indexOf(text);
         if (index < 0) {
@@ -151,11 +192,7 @@ bool readOperations(const QStringList &texts, QList<ProgrammerSession::Operation
                          .arg(text, names.join(QStringLiteral(", ")));
             return false;
         }
-        const qsizetype count = ProgrammerSession::descriptions().size();
-        if (index < count)
-            operations->append(ProgrammerSession::descriptions().at(index).operation);
-        else
-            operations->append(sequences().at(index - count).operations);
+        operations->append(choices.at(index).operations);
     }
     return true;
 }
@@ -200,7 +237,7 @@ bool needsImage(const CommandLine &commandLine, ProgrammerSession::Subject subje
 bool checkFiles(CommandLine *commandLine, QString *error)
 {
     using Subject = ProgrammerSession::Subject;
-    const bool forDevice = needsImage(*commandLine, Subject::Device);
+    const bool forDevice = needsImage(*commandLine, Subject::DeviceFirmware);
     const bool forTarget = needsImage(*commandLine, Subject::Target) || commandLine->compare;
     if (commandLine->image.isEmpty() && (forDevice || forTarget)) {
         *error = QStringLiteral("Please choose an image with --image FILE.");
@@ -288,8 +325,8 @@ bool readCommandLine(const QStringList &arguments, CommandLine *commandLine, QSt
     return readOperations(parser.values(OperationOption), &commandLine->operations, error)
         && readNumberedValues(parser.values(TargetOption), &commandLine->operationOptions, error)
         && readNumberedValues(parser.values(ConnectionOption), &commandLine->connectionOptions, error)
-        && readNumbers(parser, commandLine, error) && readPasswords(parser, commandLine, error)
-        && checkFiles(commandLine, error);
+        && readWatched(parser, commandLine, error) && readNumbers(parser, commandLine, error)
+        && readPasswords(parser, commandLine, error) && checkFiles(commandLine, error);
 }
 
 bool applySettings(const CommandLine &commandLine, ProgrammerSession *session, QString *error)

@@ -28,6 +28,7 @@ struct CommandLine
     QString devicePassword; ///< what the simulated device demands; secret, too
     double speed = 1.0; ///< times as fast as a real programmer; 0: without any waiting
     QString theme; ///< one of Appearance::themes()
+    QList<QPair<int, int>> watched; ///< vendor and product identifiers of USB devices
     QString updateUrl; ///< where newer versions are asked for; empty: nowhere
     QString pictures; ///< folder
     int timeout = 300; ///< seconds

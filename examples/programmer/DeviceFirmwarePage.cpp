@@ -1,10 +1,7 @@
 #include "DeviceFirmwarePage.h"
 
-#include "OperationButtons.h"
-
 #include <UtilsBootloader.h>
 
-#include <QCheckBox>
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -13,25 +10,22 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-DeviceFirmwarePage::DeviceFirmwarePage(ProgrammerSession *programmerSession, QWidget *parent)
-    : QWidget(parent)
-    , session(programmerSession)
+DeviceFirmwarePage::DeviceFirmwarePage(ProgrammerSession *session, QWidget *parent)
+    : Page(session, QStringLiteral("deviceFirmwarePage"), tr("Firmware"), QStringLiteral("programmer/device.html"),
+           parent)
 {
     setupForm();
     connect(session, &ProgrammerSession::deviceImageChanged, this, &DeviceFirmwarePage::showImage);
     connect(session, &ProgrammerSession::completed, this, &DeviceFirmwarePage::showBootloader);
-    connect(session, &ProgrammerSession::linkChanged, this,
-            [this] { wifiBox->setChecked(session->link() == TSelectedDevice::WiFi); });
     showImage();
     showBootloader();
 }
 
 void DeviceFirmwarePage::setupForm()
 {
-    setObjectName(QStringLiteral("deviceFirmwarePage"));
-    auto *layout = new QVBoxLayout(this);
+    addText(tr("The firmware of the device itself is written by its bootloader: enter it, write, and exit."));
     auto *form = new QFormLayout;
-    layout->addLayout(form);
+    body()->addLayout(form);
 
     auto *row = new QHBoxLayout;
     pathEdit = new QLineEdit;
@@ -42,6 +36,7 @@ void DeviceFirmwarePage::setupForm()
     auto *browse = new QToolButton;
     browse->setObjectName(QStringLiteral("browseDeviceImage"));
     browse->setText(tr("Choose..."));
+    browse->setFocusPolicy(Qt::StrongFocus);
     connect(browse, &QToolButton::clicked, this, &DeviceFirmwarePage::chooseImage);
     row->addWidget(browse);
     form->addRow(tr("F&irmware:"), row);
@@ -54,24 +49,13 @@ void DeviceFirmwarePage::setupForm()
     bootloaderLabel->setObjectName(QStringLiteral("bootloaderSummary"));
     form->addRow(tr("Bootloader:"), bootloaderLabel);
 
-    wifiBox = new QCheckBox(tr("Reach the device by WiFi"));
-    wifiBox->setObjectName(QStringLiteral("overWiFi"));
-    wifiBox->setChecked(session->link() == TSelectedDevice::WiFi);
-    connect(wifiBox, &QCheckBox::clicked, this, [this](bool checked) {
-        if (!session->selectLink(checked ? TSelectedDevice::WiFi : TSelectedDevice::Usb))
-            wifiBox->setChecked(session->link() == TSelectedDevice::WiFi);
-    });
-    form->addRow(QString(), wifiBox);
-    layout->addStretch();
-
-    auto *buttons = new OperationButtons(session, ProgrammerSession::Subject::Device, this);
-    connect(buttons, &OperationButtons::requested, this, &DeviceFirmwarePage::requested);
-    layout->addWidget(buttons);
+    addOperations(ProgrammerSession::Subject::DeviceFirmware);
+    body()->addStretch();
 }
 
 void DeviceFirmwarePage::chooseImage()
 {
-    const QString path = QFileDialog::getOpenFileName(this, tr("Firmware of the device"), session->deviceImagePath());
+    const QString path = QFileDialog::getOpenFileName(this, tr("Firmware of the device"), session()->deviceImagePath());
     if (path.isEmpty())
         return;
     pathEdit->setText(path);
@@ -81,15 +65,15 @@ void DeviceFirmwarePage::chooseImage()
 void DeviceFirmwarePage::loadImage()
 {
     QString error;
-    if (!session->setDeviceImage(pathEdit->text(), &error))
+    if (!session()->setDeviceImage(pathEdit->text(), &error))
         Q_EMIT failed(error);
 }
 
 void DeviceFirmwarePage::showImage()
 {
-    const QString path = session->deviceImagePath();
-    UtilsBootloader image(path, UtilsBootloader::BOOTLOADER_IMAGE_DEVICE, session->bootloaderDeviceId(),
-                          session->bootloaderSectorSize());
+    const QString path = session()->deviceImagePath();
+    UtilsBootloader image(path, UtilsBootloader::BOOTLOADER_IMAGE_DEVICE, session()->bootloaderDeviceId(),
+                          session()->bootloaderSectorSize());
     if (path.isEmpty() || !image.openFile()) {
         imageLabel->setText(tr("No firmware yet"));
         return;
@@ -100,9 +84,9 @@ void DeviceFirmwarePage::showImage()
 
 void DeviceFirmwarePage::showBootloader()
 {
-    bootloaderLabel->setText(session->bootloaderInfo().isEmpty()
+    bootloaderLabel->setText(session()->bootloaderInfo().isEmpty()
                                  ? tr("Not entered yet")
                                  : tr("Device 0x%1, sectors of %2 bytes")
-                                       .arg(session->bootloaderDeviceId(), 4, 16, QLatin1Char('0'))
-                                       .arg(session->bootloaderSectorSize()));
+                                       .arg(session()->bootloaderDeviceId(), 4, 16, QLatin1Char('0'))
+                                       .arg(session()->bootloaderSectorSize()));
 }

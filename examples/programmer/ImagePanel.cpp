@@ -64,6 +64,7 @@ void ImagePanel::setupForm()
     browseButton = new QToolButton;
     browseButton->setObjectName(QStringLiteral("browse"));
     browseButton->setText(tr("Choose..."));
+    browseButton->setFocusPolicy(Qt::StrongFocus);
     browseButton->hide(); // until choices are remembered
     row->addWidget(browseButton);
     layout->addRow(tr("&File:"), row);

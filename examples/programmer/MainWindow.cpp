@@ -1,34 +1,31 @@
 #include "MainWindow.h"
 
-#include "Appearance.h"
+#include "AboutPage.h"
+#include "ApplicationPage.h"
+#include "CapturePage.h"
+#include "ConfigurationPage.h"
 #include "DeviceFirmwarePage.h"
-#include "FaultPanel.h"
-#include "FirmwareFile.h"
-#include "ImagePanel.h"
+#include "FaultPage.h"
+#include "GuidePage.h"
 #include "NotificationPanel.h"
-#include "OperationButtons.h"
-#include "OptionsPanel.h"
+#include "OptionsPage.h"
 #include "PowerModulePage.h"
+#include "SupplyPage.h"
+#include "TargetPage.h"
+#include "WiFiPage.h"
 
 #include <UtilsDialogProcessing.h>
-#include <UtilsHelpContextMenu.h>
 #include <UtilsMisc.h>
 #include <UtilsSingleInstance.h>
-#include <UtilsTabWidget.h>
 #include <UtilsUniProgStatus.h>
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QFileDialog>
-#include <QGridLayout>
-#include <QHBoxLayout>
 #include <QLabel>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace {
 
-constexpr QSize InitialSize(820, 540);
+constexpr QSize InitialSize(880, 600);
+constexpr int FooterMargin = 10;
 
 } // namespace
 
@@ -42,35 +39,59 @@ MainWindow::MainWindow(ProgrammerSession *programmerSession, QWidget *parent)
     setupForm();
     UtilsSingleInstance::setAppMainWidget(this);
     connect(session, &ProgrammerSession::completed, this, &MainWindow::operationCompleted);
-    updateButtons();
 }
 
 MainWindow::~MainWindow() = default;
 
 void MainWindow::setAutoClose(bool enabled)
 {
-    autoCloseBox->setChecked(enabled);
+    applicationPage->setAutoClose(enabled);
+}
+
+void MainWindow::rememberImage()
+{
+    targetPage->rememberImage();
+}
+
+void MainWindow::watchDevices(const QList<DevicesPage::UsbId> &ids)
+{
+    devicesPage->watch(ids);
+}
+
+void MainWindow::setUpdateUrl(const QString &url)
+{
+    aboutPage->setUpdateUrl(url);
 }
 
 UtilsDialogProcessing *MainWindow::run(ProgrammerSession::Operation operation)
 {
     if (!session->canStart(operation))
         return nullptr;
-
-    const ProgrammerSession::Subject subject = ProgrammerSession::describe(operation).subject;
-    pages->setCurrentIndex(int(subject)); // the pages have the order of the subjects
-    dialog = new UtilsDialogProcessing(this, &autoClose);
-    dialog->setMessage(tr(ProgrammerSession::describe(operation).message));
-    const UtilsUniProgThread &thread = session->thread();
-    connect(&thread, &UtilsUniProgThread::SignalOperationLogMessage, dialog, &UtilsDialogProcessing::slotUpdateLog);
-    connect(&thread, &UtilsUniProgThread::SignalOperationProgress, dialog,
-            &UtilsDialogProcessing::slotUpdateProgressbar);
-    connect(&thread, &UtilsUniProgThread::SignalProcedureCompleted, dialog,
-            &UtilsDialogProcessing::slotProcedureCompleted);
-    connect(dialog, &UtilsDialogProcessing::signalDialogClosed, this, &MainWindow::dialogClosed);
-    dialog->show();
+    const ProgrammerSession::Description &description = ProgrammerSession::describe(operation);
+    if (Page *page = pages.value(description.subject))
+        navigation->showPage(page);
+    UtilsDialogProcessing *processing = nullptr;
+    if (description.message) {
+        processing = createDialog(tr(description.message));
+        dialog = processing;
+    }
     session->start(operation);
-    return dialog;
+    return processing;
+}
+
+UtilsDialogProcessing *MainWindow::createDialog(const QString &message)
+{
+    auto *processing = new UtilsDialogProcessing(this, &autoClose);
+    processing->setMessage(message);
+    const UtilsUniProgThread &thread = session->thread();
+    connect(&thread, &UtilsUniProgThread::SignalOperationLogMessage, processing, &UtilsDialogProcessing::slotUpdateLog);
+    connect(&thread, &UtilsUniProgThread::SignalOperationProgress, processing,
+            &UtilsDialogProcessing::slotUpdateProgressbar);
+    connect(&thread, &UtilsUniProgThread::SignalProcedureCompleted, processing,
+            &UtilsDialogProcessing::slotProcedureCompleted);
+    connect(processing, &UtilsDialogProcessing::signalDialogClosed, this, &MainWindow::dialogClosed);
+    processing->show();
+    return processing;
 }
 
 void MainWindow::setupForm()
@@ -82,130 +103,90 @@ void MainWindow::setupForm()
     auto *central = new QWidget(this);
     central->setObjectName(QStringLiteral("central"));
     auto *layout = new QVBoxLayout(central);
-    pages = new UtilsTabWidget(central);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    navigation = new Navigation(central);
+    layout->addWidget(navigation, 1);
     addPages();
-    layout->addWidget(pages, 1);
+
+    auto *footer = new QHBoxLayout;
+    footer->setContentsMargins(FooterMargin, FooterMargin, FooterMargin, FooterMargin);
     resultLabel = new QLabel(central);
     resultLabel->setObjectName(QStringLiteral("result"));
     resultLabel->setWordWrap(true);
-    layout->addWidget(resultLabel);
-    layout->addWidget(createFooter());
+    resultLabel->setText(tr("Ready"));
+    footer->addWidget(resultLabel, 1);
+    footer->addWidget(new NotificationPanel(central));
+    layout->addLayout(footer);
     setCentralWidget(central);
 }
 
 void MainWindow::addPages()
 {
-    auto *device = new DeviceFirmwarePage(session, pages);
-    auto *power = new PowerModulePage(session, pages);
-    connect(device, &DeviceFirmwarePage::requested, this, &MainWindow::run);
-    connect(device, &DeviceFirmwarePage::failed, this,
-            [this](const QString &message) { showOutcome(message, LOGGER_MESSAGE_ERROR); });
-    connect(power, &PowerModulePage::requested, this, &MainWindow::run);
-    QWidget *target = createTargetPage();
-    new UtilsHelpContextMenu(target, QStringLiteral("programmer/target.html"));
-    new UtilsHelpContextMenu(device, QStringLiteral("programmer/device.html"));
-    new UtilsHelpContextMenu(power, QStringLiteral("programmer/power.html"));
-    pages->addTab(target, tr("Target"));
-    pages->addTab(device, tr("Device firmware"));
-    pages->addTab(power, tr("Power module"));
-    pages->setCurrentIndex(0);
-    operationButtons = pages->findChildren<OperationButtons *>();
+    addTargetPages();
+    addDevicePages();
+    if (session->isSimulated())
+        addPowerPages();
+    addOptionPages();
+    addHelpPages();
+    navigation->showPage(targetPage);
 }
 
-QWidget *MainWindow::createTargetPage()
+void MainWindow::addTargetPages()
 {
-    auto *page = new QWidget;
-    page->setObjectName(QStringLiteral("targetPage"));
-    auto *layout = new QGridLayout(page);
-    imagePanel = new ImagePanel(session, page);
-    connect(imagePanel, &ImagePanel::failed, this,
-            [this](const QString &message) { showOutcome(message, LOGGER_MESSAGE_ERROR); });
-    layout->addWidget(imagePanel, 0, 0, 1, 2);
-    layout->addWidget(createOptionsPanel(), 1, 0);
-    layout->addWidget(new FaultPanel(session, page), 1, 1);
-    auto *buttons = new OperationButtons(session, ProgrammerSession::Subject::Target, page);
-    connect(buttons, &OperationButtons::requested, this, &MainWindow::run);
-    saveButton = buttons->addButton(QStringLiteral("save"), tr("Save..."));
-    saveButton->setToolTip(tr("Stores what was read last in a file"));
-    connect(saveButton, &QToolButton::clicked, this, &MainWindow::saveContents);
-    layout->addWidget(buttons, 2, 0, 1, 2);
-    layout->setRowStretch(1, 1);
-    layout->setColumnStretch(0, 1);
-    layout->setColumnStretch(1, 1);
-    return page;
+    using Subject = ProgrammerSession::Subject;
+    targetPage = new TargetPage(session, navigation);
+    addPage(targetPage, Navigation::Section::Target, {Subject::Target});
+    if (session->isSimulated())
+        addPage(new CapturePage(session, navigation), Navigation::Section::Target, {Subject::Capture});
 }
 
-QWidget *MainWindow::createOptionsPanel()
+void MainWindow::addDevicePages()
 {
-    auto *panel = new OptionsPanel(session, this);
-    autoCloseBox = new QCheckBox(tr("Close the dialog after a success"));
-    autoCloseBox->setObjectName(QStringLiteral("autoClose"));
-    autoCloseBox->setChecked(autoClose);
-    connect(autoCloseBox, &QCheckBox::toggled, this, [this](bool checked) { autoClose = checked; });
-    panel->addBelow(autoCloseBox);
-    return panel;
-}
-
-/// What concerns no single page: notifications, updates and the theme.
-QWidget *MainWindow::createFooter()
-{
-    auto *footer = new QWidget(this);
-    auto *layout = new QHBoxLayout(footer);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(new NotificationPanel(footer), 1);
-
-    updateButton = new QToolButton(footer);
-    updateButton->setObjectName(QStringLiteral("checkForUpdates"));
-    updateButton->setText(tr("Check for updates"));
-    updateButton->setEnabled(false);
-    connect(updateButton, &QToolButton::clicked, &updateCheck, &UpdateCheck::start);
-    connect(&updateCheck, &UpdateCheck::finished, this, [this](const QString &outcome, bool ok) {
-        showOutcome(outcome, ok ? LOGGER_MESSAGE_SUCCESS : LOGGER_MESSAGE_ERROR);
-    });
-    connect(&updateCheck, &UpdateCheck::chosen, this,
-            [this](const QString &text) { showOutcome(text, LOGGER_MESSAGE_SUCCESS); });
-    layout->addWidget(updateButton);
-
-    auto *theme = new QComboBox(footer);
-    theme->setObjectName(QStringLiteral("theme"));
-    theme->setAccessibleName(tr("Theme"));
-    theme->addItems(Appearance::themes());
-    theme->setCurrentText(Appearance::current());
-    connect(theme, &QComboBox::currentTextChanged, this, &Appearance::apply);
-    layout->addWidget(theme);
-    return footer;
-}
-
-void MainWindow::rememberImage()
-{
-    imagePanel->rememberChoice();
-}
-
-void MainWindow::setUpdateUrl(const QString &url)
-{
-    updateCheck.setUrl(url);
-    updateButton->setEnabled(!url.isEmpty());
-    updateCheck.start();
-}
-
-void MainWindow::saveContents()
-{
-    const QString path = QFileDialog::getSaveFileName(this, tr("What was read"), QString(),
-                                                      tr("Intel HEX (*.hex);;S-record (*.s19);;Binary (*.bin)"));
-    if (path.isEmpty())
+    using Subject = ProgrammerSession::Subject;
+    devicesPage = new DevicesPage(session, navigation);
+    addPage(devicesPage, Navigation::Section::Device, {Subject::Device});
+    if (!session->isSimulated())
         return;
-    QString error;
-    if (FirmwareFile::save(path, session->contents(), &error))
-        showOutcome(tr("Stored in %1.").arg(path), LOGGER_MESSAGE_SUCCESS);
-    else
-        showOutcome(error, LOGGER_MESSAGE_ERROR);
+    addPage(new ConfigurationPage(session, navigation), Navigation::Section::Device, {Subject::Configuration});
+    addPage(new DeviceFirmwarePage(session, navigation), Navigation::Section::Device, {Subject::DeviceFirmware});
+    addPage(new WiFiPage(session, navigation), Navigation::Section::Device, {Subject::WiFiServer});
 }
 
-void MainWindow::updateButtons()
+void MainWindow::addPowerPages()
 {
-    for (OperationButtons *buttons : std::as_const(operationButtons))
-        buttons->refresh();
-    saveButton->setEnabled(!session->isRunning() && !session->contents().isEmpty());
+    using Subject = ProgrammerSession::Subject;
+    addPage(new SupplyPage(session, navigation), Navigation::Section::Power, {Subject::Supply});
+    addPage(new PowerModulePage(session, navigation), Navigation::Section::Power,
+            {Subject::PowerInfo, Subject::PowerModule});
+}
+
+void MainWindow::addOptionPages()
+{
+    addPage(new OptionsPage(session, navigation), Navigation::Section::Options);
+    applicationPage = new ApplicationPage(session, autoClose, navigation);
+    connect(applicationPage, &ApplicationPage::autoCloseChanged, this, [this](bool enabled) { autoClose = enabled; });
+    addPage(applicationPage, Navigation::Section::Options);
+    if (session->isSimulated())
+        addPage(new FaultPage(session, navigation), Navigation::Section::Options);
+}
+
+void MainWindow::addHelpPages()
+{
+    addPage(new GuidePage(session, navigation), Navigation::Section::Help);
+    aboutPage = new AboutPage(session, navigation);
+    addPage(aboutPage, Navigation::Section::Help);
+}
+
+void MainWindow::addPage(Page *page, Navigation::Section section, const QList<ProgrammerSession::Subject> &subjects)
+{
+    connect(page, &Page::requested, this, &MainWindow::run);
+    connect(page, &Page::succeeded, this,
+            [this](const QString &message) { showOutcome(message, LOGGER_MESSAGE_SUCCESS); });
+    connect(page, &Page::failed, this, [this](const QString &message) { showOutcome(message, LOGGER_MESSAGE_ERROR); });
+    navigation->addPage(page, section);
+    for (const ProgrammerSession::Subject subject : subjects)
+        pages.insert(subject, page);
 }
 
 void MainWindow::showOutcome(const QString &text, LOGGER_MESSAGE_TYPE type)
@@ -219,13 +200,14 @@ void MainWindow::operationCompleted(ProgrammerSession::Operation operation, int 
 {
     lastStatus = status;
     lastMessage = message;
+    const bool isPartOfCapture = operation == ProgrammerSession::Operation::FetchCapture;
     const QString caption = tr(ProgrammerSession::describe(operation).caption);
-    if (status == 0)
-        showOutcome(tr("%1: completed").arg(caption), LOGGER_MESSAGE_SUCCESS);
-    else
+    if (status != 0)
         showOutcome(tr("%1: status %2, %3").arg(caption).arg(status).arg(message.simplified()), LOGGER_MESSAGE_ERROR);
-    updateButtons();
-    if (!dialog) // a window manager may close it early
+    else if (!isPartOfCapture)
+        showOutcome(tr("%1: completed").arg(caption), LOGGER_MESSAGE_SUCCESS);
+    // A window manager may have closed the dialog early. The end of a capture follows a fetch that failed.
+    if (!dialog && !isPartOfCapture)
         explanation->Start(lastStatus, lastMessage, this);
 }
 

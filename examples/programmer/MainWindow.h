@@ -1,25 +1,25 @@
 #ifndef MAINWINDOW_H
 #define MAINWINDOW_H
 
+#include "DevicesPage.h"
+#include "Navigation.h"
 #include "ProgrammerSession.h"
-#include "UpdateCheck.h"
 
-#include <QList>
+#include <QHash>
 #include <QMainWindow>
 #include <QPointer>
 
-class QCheckBox;
+class AboutPage;
+class ApplicationPage;
+class Page;
 class QLabel;
-class QToolButton;
-class ImagePanel;
-class OperationButtons;
-class UtilsTabWidget;
+class TargetPage;
 class UtilsDialogProcessing;
 class UtilsUniProgStatus;
 
-/// The window of the example: a page for the target, one for the firmware of the device and one for the firmware of the
-/// power module. It shows the session and
-/// keeps nothing of its own but whether dialogs close by themselves.
+/// The window of the example: the sidebar and its pages, how the last operation ended, and the notifications. It shows
+/// the session and keeps nothing of its own but whether dialogs close by themselves. With an external driver it has no
+/// pages for what only a programmer can do.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -34,23 +34,27 @@ public:
     /// See ImagePanel::rememberChoice().
     void rememberImage();
 
-    /// Where newer versions are asked for: now, and by a button. Nothing is asked, and the button is off, for an empty
-    /// one.
+    /// See DevicesPage::watch().
+    void watchDevices(const QList<DevicesPage::UsbId> &ids);
+
+    /// See AboutPage::setUpdateUrl().
     void setUpdateUrl(const QString &url);
 
     /// Starts @p operation under a processing dialog, which is returned and deletes itself when it is closed. Null when
-    /// the session does not start it.
+    /// the session does not start it, and for operations without a dialog.
     UtilsDialogProcessing *run(ProgrammerSession::Operation operation);
 
 private:
     void setupForm();
-    QWidget *createOptionsPanel();
-    QWidget *createFooter();
-    QWidget *createTargetPage();
     void addPages();
+    void addTargetPages();
+    void addDevicePages();
+    void addPowerPages();
+    void addOptionPages();
+    void addHelpPages();
+    void addPage(Page *page, Navigation::Section section, const QList<ProgrammerSession::Subject> &subjects = {});
+    UtilsDialogProcessing *createDialog(const QString &message);
 
-    void saveContents();
-    void updateButtons();
     void showOutcome(const QString &text, LOGGER_MESSAGE_TYPE type);
     void operationCompleted(ProgrammerSession::Operation operation, int status, const QString &message);
     void dialogClosed();
@@ -62,13 +66,12 @@ private:
     int lastStatus = 0;
     QString lastMessage;
 
-    QCheckBox *autoCloseBox = nullptr;
-    UpdateCheck updateCheck;
-    ImagePanel *imagePanel = nullptr;
-    QToolButton *updateButton = nullptr;
-    UtilsTabWidget *pages = nullptr;
-    QList<OperationButtons *> operationButtons;
-    QToolButton *saveButton = nullptr;
+    Navigation *navigation = nullptr;
+    QHash<ProgrammerSession::Subject, Page *> pages; ///< where the operations are
+    TargetPage *targetPage = nullptr;
+    DevicesPage *devicesPage = nullptr;
+    ApplicationPage *applicationPage = nullptr;
+    AboutPage *aboutPage = nullptr;
     QLabel *resultLabel = nullptr;
 };
 

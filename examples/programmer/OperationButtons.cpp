@@ -1,12 +1,13 @@
 #include "OperationButtons.h"
 
 #include <QCoreApplication>
-#include <QHBoxLayout>
+#include <QGridLayout>
 #include <QToolButton>
 
 namespace {
 
 constexpr int ButtonHeight = 34;
+constexpr int Columns = 4;
 
 } // namespace
 
@@ -14,11 +15,13 @@ OperationButtons::OperationButtons(ProgrammerSession *programmerSession, Program
                                    QWidget *parent)
     : QWidget(parent)
     , session(programmerSession)
-    , row(new QHBoxLayout(this))
+    , grid(new QGridLayout(this))
 {
-    row->setContentsMargins(0, 0, 0, 0);
+    grid->setContentsMargins(0, 0, 0, 0);
+    for (int column = 0; column < Columns; ++column)
+        grid->setColumnStretch(column, 1);
     for (const ProgrammerSession::Description &description : ProgrammerSession::descriptions()) {
-        if (description.subject != subject)
+        if (description.subject != subject || description.operation == ProgrammerSession::Operation::FetchCapture)
             continue;
         const ProgrammerSession::Operation operation = description.operation;
         QToolButton *button = addButton(QString::fromLatin1(description.name),
@@ -40,7 +43,7 @@ QToolButton *OperationButtons::addButton(const QString &name, const QString &tex
     button->setMinimumHeight(ButtonHeight);
     button->setFocusPolicy(Qt::StrongFocus);
     button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    row->addWidget(button);
+    grid->addWidget(button, grid->count() / Columns, grid->count() % Columns);
     return button;
 }
 

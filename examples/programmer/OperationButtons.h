@@ -7,10 +7,10 @@
 #include <QPair>
 #include <QWidget>
 
-class QHBoxLayout;
+class QGridLayout;
 class QToolButton;
 
-/// A row of buttons, one an operation on the same subject. A button is enabled while its operation can be started.
+/// Buttons side by side, one an operation on the same subject. A button is enabled while its operation can be started.
 class OperationButtons : public QWidget
 {
     Q_OBJECT
@@ -18,7 +18,7 @@ class OperationButtons : public QWidget
 public:
     OperationButtons(ProgrammerSession *session, ProgrammerSession::Subject subject, QWidget *parent);
 
-    /// Adds a button for something else, in the same look. The row owns it.
+    /// Adds a button for something else, in the same look. The widget owns it.
     QToolButton *addButton(const QString &name, const QString &text);
 
     /// Enables the buttons whose operations can be started.
@@ -29,7 +29,7 @@ Q_SIGNALS:
 
 private:
     ProgrammerSession *session;
-    QHBoxLayout *row;
+    QGridLayout *grid;
     QList<QPair<ProgrammerSession::Operation, QToolButton *>> buttons;
 };
 

@@ -1,20 +1,23 @@
 #ifndef POWERMODULEPAGE_H
 #define POWERMODULEPAGE_H
 
-#include "ProgrammerSession.h"
+#include "Page.h"
 
-#include <QWidget>
+class QLabel;
 
-/// The page for the firmware of the power module, whose image comes with the library: the steps of an update.
-class PowerModulePage : public QWidget
+/// The page for the power module itself: what it says of itself, and the steps of an update of its firmware, whose
+/// image comes with the library.
+class PowerModulePage : public Page
 {
     Q_OBJECT
 
 public:
-    PowerModulePage(ProgrammerSession *session, QWidget *parent);
+    explicit PowerModulePage(ProgrammerSession *session, QWidget *parent = nullptr);
 
-Q_SIGNALS:
-    void requested(ProgrammerSession::Operation operation);
+private:
+    void showInfo();
+
+    QLabel *infoLabel;
 };
 
 #endif // POWERMODULEPAGE_H

@@ -15,48 +15,11 @@ constexpr qsizetype DeviceIdOffset = 0;
 constexpr qsizetype SectorSizeOffset = 6;
 constexpr qsizetype InfoSize = 8;
 
+/// A level is little-endian: millivolts (2 bytes) and milliamperes (2).
+constexpr int BytesPerLevel = 4;
+constexpr double Thousand = 1000.0;
+
 } // namespace
-
-const QList<ProgrammerSession::Description> &ProgrammerSession::descriptions()
-{
-    static const QList<Description> all{
-        {Operation::Write, "write", QT_TRANSLATE_NOOP("MainWindow", "Write"),
-         QT_TRANSLATE_NOOP("MainWindow", "Writing the image to the target"), Subject::Target, true},
-        {Operation::Read, "read", QT_TRANSLATE_NOOP("MainWindow", "Read"),
-         QT_TRANSLATE_NOOP("MainWindow", "Reading the target"), Subject::Target, false},
-        {Operation::Verify, "verify", QT_TRANSLATE_NOOP("MainWindow", "Verify"),
-         QT_TRANSLATE_NOOP("MainWindow", "Comparing the target with the image"), Subject::Target, true},
-        {Operation::BlankCheck, "blank", QT_TRANSLATE_NOOP("MainWindow", "Blank check"),
-         QT_TRANSLATE_NOOP("MainWindow", "Looking for data in the target"), Subject::Target, false},
-        {Operation::Detect, "detect", QT_TRANSLATE_NOOP("MainWindow", "Detect"),
-         QT_TRANSLATE_NOOP("MainWindow", "Looking for the target"), Subject::Target, false},
-        {Operation::Erase, "erase", QT_TRANSLATE_NOOP("MainWindow", "Erase"),
-         QT_TRANSLATE_NOOP("MainWindow", "Erasing the target"), Subject::Target, false},
-        {Operation::Reset, "reset", QT_TRANSLATE_NOOP("MainWindow", "Reset"),
-         QT_TRANSLATE_NOOP("MainWindow", "Resetting the target"), Subject::Target, false},
-        {Operation::EnterBootloader, "bootloader-enter", QT_TRANSLATE_NOOP("MainWindow", "Enter bootloader"),
-         QT_TRANSLATE_NOOP("MainWindow", "Starting the bootloader of the device"), Subject::Device, false},
-        {Operation::WriteDeviceFirmware, "bootloader-write", QT_TRANSLATE_NOOP("MainWindow", "Write firmware"),
-         QT_TRANSLATE_NOOP("MainWindow", "Writing the firmware of the device"), Subject::Device, true},
-        {Operation::ExitBootloader, "bootloader-exit", QT_TRANSLATE_NOOP("MainWindow", "Exit bootloader"),
-         QT_TRANSLATE_NOOP("MainWindow", "Starting the firmware of the device"), Subject::Device, false},
-        {Operation::ActivatePowerBootloader, "power-activate", QT_TRANSLATE_NOOP("MainWindow", "Activate bootloader"),
-         QT_TRANSLATE_NOOP("MainWindow", "Starting the bootloader of the power module"), Subject::PowerModule, false},
-        {Operation::ShowPowerBootloader, "power-info", QT_TRANSLATE_NOOP("MainWindow", "Check bootloader"),
-         QT_TRANSLATE_NOOP("MainWindow", "Asking the bootloader of the power module"), Subject::PowerModule, false},
-        {Operation::WritePowerFirmware, "power-write", QT_TRANSLATE_NOOP("MainWindow", "Write and reset"),
-         QT_TRANSLATE_NOOP("MainWindow", "Writing the firmware of the power module"), Subject::PowerModule, false},
-        {Operation::ResetPowerModule, "power-reset", QT_TRANSLATE_NOOP("MainWindow", "Reset module"),
-         QT_TRANSLATE_NOOP("MainWindow", "Resetting the power module"), Subject::PowerModule, false},
-    };
-    return all;
-}
-
-const ProgrammerSession::Description &ProgrammerSession::describe(Operation operation)
-{
-    const QList<Description> &all = descriptions();
-    return *std::find_if(all.cbegin(), all.cend(), [=](const Description &d) { return d.operation == operation; });
-}
 
 ProgrammerSession::ProgrammerSession(Driver kind, std::unique_ptr<UniProgInterface> externalDriver, QObject *parent)
     : QObject(parent)
@@ -184,12 +147,63 @@ unsigned short ProgrammerSession::bootloaderSectorSize() const
                                         : qFromLittleEndian<quint16>(deviceInfo.constData() + SectorSizeOffset);
 }
 
+const TConfiguration &ProgrammerSession::configuration() const
+{
+    return deviceConfiguration;
+}
+
+bool ProgrammerSession::hasConfiguration() const
+{
+    return configurationKnown;
+}
+
+void ProgrammerSession::setConfiguration(const TConfiguration &configuration)
+{
+    if (!running)
+        deviceConfiguration = configuration;
+}
+
+void ProgrammerSession::setPowerChannel(int channel)
+{
+    powerChannel = static_cast<unsigned char>(channel);
+}
+
+void ProgrammerSession::setPowerVoltage(double volts)
+{
+    powerVoltage = float(volts);
+}
+
+QList<ProgrammerSession::PowerLevel> ProgrammerSession::powerLevels() const
+{
+    QList<PowerLevel> all;
+    if (!levelsKnown)
+        return all;
+    for (const char *level = levels.cbegin(); level != levels.cend(); level += BytesPerLevel)
+        all.append({qFromLittleEndian<quint16>(level) / Thousand, qFromLittleEndian<quint16>(level + 2) / Thousand});
+    return all;
+}
+
+TPowerInfo ProgrammerSession::powerInfo() const
+{
+    return moduleInfo;
+}
+
+bool ProgrammerSession::isCapturing() const
+{
+    return capturing;
+}
+
+QByteArray ProgrammerSession::captured() const
+{
+    return captureBuffer.left(captureSize);
+}
+
 bool ProgrammerSession::selectLink(TSelectedDevice::Link link)
 {
     const QList<TSelectedDevice> devices = device.devices();
     const auto found = std::find_if(devices.cbegin(), devices.cend(),
                                     [=](const TSelectedDevice &candidate) { return candidate.link == link; });
-    if (running || found == devices.cend() || !device.selectDevice(*found))
+    if (running || capturing || found == devices.cend() || !device.selectDevice(*found))
         return false;
     selectedDevice = *found;
     Q_EMIT linkChanged();
@@ -229,86 +243,31 @@ bool ProgrammerSession::isRunning() const
 
 bool ProgrammerSession::canStart(Operation operation) const
 {
+    if (running)
+        return false;
     const Description &description = describe(operation);
-    const bool hasImage = description.subject == Subject::Device ? !deviceFirmwarePath.isEmpty() : !firmware.isEmpty();
-    return !running && (hasImage || !description.needsImage);
-}
-
-void ProgrammerSession::start(Operation operation)
-{
-    if (!canStart(operation))
-        return;
-    running = true;
-    current = operation;
-    result = false;
-    if (describe(operation).subject == Subject::Target)
-        startTargetOperation();
-    else
-        startFirmwareOperation();
-}
-
-void ProgrammerSession::startTargetOperation()
-{
-    switch (current) {
-    case Operation::Write:
-        operationThread.WriteTarget(&firmware);
-        break;
-    case Operation::Read:
-        readMemory.clear(); // an empty image is filled with all of the target
-        operationThread.ReadTarget(&readMemory);
-        break;
-    case Operation::Verify:
-        operationThread.VerifyTarget(&firmware, &result);
-        break;
-    case Operation::BlankCheck:
-        operationThread.CheckTargetBlank(&result);
-        break;
-    case Operation::Detect:
-        operationThread.DetectTarget(&result);
-        break;
-    case Operation::Erase:
-        operationThread.EraseTargetMass();
-        break;
-    case Operation::Reset:
-        operationThread.ResetTarget();
-        break;
-    default:
-        break;
-    }
-}
-
-void ProgrammerSession::startFirmwareOperation()
-{
-    switch (current) {
-    case Operation::EnterBootloader:
-        operationThread.BootloaderEnter(selectedDevice, &deviceInfo);
-        break;
-    case Operation::WriteDeviceFirmware:
-        operationThread.BootloaderProcess(selectedDevice, deviceFirmwarePath, bootloaderDeviceId(),
-                                          bootloaderSectorSize());
-        break;
-    case Operation::ExitBootloader:
-        operationThread.BootloaderExit(selectedDevice);
-        break;
-    case Operation::ActivatePowerBootloader:
-        operationThread.PowerBootloaderActivate();
-        break;
-    case Operation::ShowPowerBootloader:
-        operationThread.PowerBootloaderGetInfo();
-        break;
-    case Operation::WritePowerFirmware:
-        operationThread.PowerBootloaderWrite();
-        break;
-    case Operation::ResetPowerModule:
-        operationThread.PowerBootloaderReset();
-        break;
-    default:
-        break;
-    }
+    if (description.subject == Subject::Capture)
+        return capturing == (operation != Operation::StartCapture);
+    if (capturing || (operation == Operation::StoreConfiguration && !configurationKnown))
+        return false;
+    const bool hasImage
+        = description.subject == Subject::DeviceFirmware ? !deviceFirmwarePath.isEmpty() : !firmware.isEmpty();
+    return hasImage || !description.needsImage;
 }
 
 void ProgrammerSession::procedureCompleted(int status, const QString &message)
 {
     running = false;
+    const bool ok = status == 0;
+    if (current == Operation::ReadConfiguration)
+        configurationKnown = configurationKnown || ok;
+    else if (current == Operation::ReadLevels)
+        levelsKnown = ok;
+    else if (current == Operation::StartCapture)
+        capturing = ok;
+    else if (current == Operation::StopCapture)
+        capturing = false; // a device that does not answer captures nothing either
+    else if (current == Operation::FetchCapture && !ok)
+        captureSize = 0;
     Q_EMIT completed(current, status, message);
 }

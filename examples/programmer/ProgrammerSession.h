@@ -5,6 +5,8 @@
 #include <SimulatedProgrammer.h>
 #include <UtilsUniProgThread.h>
 
+#include <QByteArray>
+#include <QList>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -21,6 +23,8 @@ class ProgrammerSession : public QObject
     Q_OBJECT
 
 public:
+    static constexpr float DefaultVoltage = 3.3F;
+
     enum class Operation {
         Write,
         Read,
@@ -35,10 +39,32 @@ public:
         ActivatePowerBootloader,
         ShowPowerBootloader,
         WritePowerFirmware,
-        ResetPowerModule
+        ResetPowerModule,
+        FindDevice,
+        ReadConfiguration,
+        StoreConfiguration,
+        StartWiFiServer,
+        SwitchOn,
+        SwitchOff,
+        SetVoltage,
+        ReadLevels,
+        AskPowerModule,
+        StartCapture,
+        FetchCapture,
+        StopCapture
     };
-    /// What an operation works on.
-    enum class Subject { Target, Device, PowerModule };
+    /// What an operation works on. Target and the two kinds of firmware are offered by the command line as well.
+    enum class Subject {
+        Target,
+        DeviceFirmware,
+        PowerModule,
+        Device,
+        Configuration,
+        WiFiServer,
+        Supply,
+        PowerInfo,
+        Capture
+    };
 
     /// How an operation is called: by the command line, on its button, and over its log.
     struct Description
@@ -46,10 +72,17 @@ public:
         Operation operation;
         const char *name;
         const char *caption;
-        const char *message;
+        const char *message; ///< null: there is nothing to look at, it is over in a moment
         Subject subject;
-        bool needsImage;
+        bool needsImage = false;
     };
+    /// Voltage and current of a channel of the power module.
+    struct PowerLevel
+    {
+        double volts;
+        double amperes;
+    };
+
     static const QList<Description> &descriptions();
     static const Description &describe(Operation operation);
 
@@ -91,6 +124,25 @@ public:
     unsigned int bootloaderDeviceId() const;
     unsigned short bootloaderSectorSize() const;
 
+    /// The stored settings of the device: as read last, or as given for the next store.
+    const TConfiguration &configuration() const;
+    /// Whether they have been read; they cannot be stored before, or what is not shown would be lost.
+    bool hasConfiguration() const;
+    void setConfiguration(const TConfiguration &configuration);
+
+    /// What the next switch, or change of the voltage, is for.
+    void setPowerChannel(int channel);
+    void setPowerVoltage(double volts);
+    /// What was read last of the channels; empty before.
+    QList<PowerLevel> powerLevels() const;
+    /// What the power module has said of itself; no channels before.
+    TPowerInfo powerInfo() const;
+
+    /// Whether the target's output is being captured. Nothing but the capture can be started then.
+    bool isCapturing() const;
+    /// What the last fetch brought.
+    QByteArray captured() const;
+
     /// The link that operations use from now on: the first device of that link. False when there is none.
     bool selectLink(TSelectedDevice::Link link);
     TSelectedDevice::Link link() const;
@@ -101,7 +153,8 @@ public:
     QStringList faults() const;
 
     bool isRunning() const;
-    /// False while an operation is running, and when the image that @p operation needs is missing.
+    /// False while an operation is running, when the image or the settings that @p operation needs are missing, and
+    /// for what a capture excludes.
     bool canStart(Operation operation) const;
     /// Starts @p operation, if it can be started; its end is told by completed().
     void start(Operation operation);
@@ -117,6 +170,8 @@ Q_SIGNALS:
 private:
     void startTargetOperation();
     void startFirmwareOperation();
+    void startDeviceOperation();
+    void startCaptureOperation();
     void procedureCompleted(int status, const QString &message);
 
     const Driver driverKind;
@@ -130,6 +185,16 @@ private:
     QByteArray deviceInfo;
     MemoryManager readMemory;
     bool result = false;
+    TConfiguration deviceConfiguration;
+    bool configurationKnown = false;
+    unsigned char powerChannel = SimulatedProgrammer::SupplyChannel;
+    float powerVoltage = DefaultVoltage;
+    QByteArray levels; ///< four bytes a channel
+    bool levelsKnown = false;
+    TPowerInfo moduleInfo;
+    bool capturing = false;
+    QByteArray captureBuffer;
+    quint16 captureSize = 0;
     QStringList plannedFaults;
     Operation current = Operation::Write;
     bool running = false;

@@ -89,6 +89,7 @@ int main(int argc, char **argv)
         return HeadlessRun(commandLine, &session, &window).exec();
     }
     window.rememberImage();
+    window.watchDevices(commandLine.watched);
     window.show();
     return QApplication::exec();
 }

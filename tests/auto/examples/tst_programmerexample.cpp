@@ -586,6 +586,10 @@ void tst_ProgrammerExample::aWrongCommandLineIsRefused_data()
     row("--operation detect --fault smoke", UsageError, "smoke");
     row("--operation detect --colour red", UsageError, "colour");
     row("--operation detect image.hex", UsageError, "image.hex");
+    for (const char *const id :
+         {"1209", "1209:", ":0001", "1209:0001:2", "12345:0001", "-1:0001", "0x1209:1", "12g9:1"})
+        row(qPrintable(QStringLiteral("--operation detect --watch %1").arg(QLatin1String(id))), UsageError,
+            "USB devices are given as VID:PID");
     row("--operation detect --theme pink", UsageError, "There is no theme");
     row("--operation update-device", UsageError, "choose an image");
     row("--operation update-device --operation write --image x", UsageError, "run the program twice");
@@ -673,7 +677,7 @@ void tst_ProgrammerExample::theHelpNamesEveryOperation()
     const QString help = programOutput(process->readAll());
     QCOMPARE(process->exitCode(), 0);
     for (const char *const name : {"write", "read", "verify", "blank", "detect", "erase", "reset", "device-connect",
-                                   "update-device", "update-power", "--wifi", "--update-url"})
+                                   "update-device", "update-power", "--wifi", "--update-url", "--watch"})
         QVERIFY2(help.contains(QLatin1String(name)), name);
 }
 

@@ -1,19 +1,16 @@
+#include "ProgrammerApplication.h"
+
 #include <Appearance.h>
-#include <MainWindow.h>
-#include <ProgrammerSession.h>
 #include <UtilsDialog.h>
 #include <UtilsDialogProcessing.h>
-#include <UtilsHelpContextMenu.h>
+#include <UtilsToggleSwitch.h>
 
 #include <UniProgTest.h>
 
 #include <QApplication>
-#include <QCheckBox>
 #include <QComboBox>
-#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QPointer>
 #include <QSettings>
 #include <QSignalSpy>
@@ -21,7 +18,6 @@
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QToolButton>
-#include <QtEndian>
 
 #include <memory>
 
@@ -40,17 +36,10 @@ private Q_SLOTS:
     void aFailureStaysUntilItIsClosedAndIsExplained();
     void aLinkPasswordIsAskedForAndReachesTheProgrammer();
     void aCancelledPasswordLeavesTheLinkLocked();
-    void theDeviceIsUpdatedStepByStep();
-    void aBadDeviceFirmwareIsSaid();
-    void thePowerModuleIsUpdatedStepByStep();
     void withoutADriverADeviceIsMissed();
-    void theOptionsReachTheTarget();
-    void anUnknownOptionValueIsKept();
     void theChosenImageIsRememberedAndWatched();
     void newerVersionsAreAnnounced();
-    void everyPageOffersHelp();
     void theThemeChangesAtRunTime();
-    void faultsAreAddedAndForgotten();
     void aBadFileIsSaid();
     void theWindowMayGoWhileAnOperationHangs();
 
@@ -60,78 +49,7 @@ private:
 
 namespace {
 
-constexpr int LongWait = 30000;
-
-/// The application without its main().
-struct Application
-{
-    ProgrammerSession session;
-    MainWindow window{&session};
-
-    Application()
-    {
-        session.programmer().setTimeScale(0);
-        window.show();
-    }
-
-    template <typename Widget>
-    Widget *find(const char *name) const
-    {
-        return window.findChild<Widget *>(QString::fromLatin1(name));
-    }
-
-    void enterPath(const QString &path) const
-    {
-        auto *edit = find<QLineEdit>("imagePath");
-        edit->setText(path);
-        QTest::keyClick(edit, Qt::Key_Return);
-    }
-
-    /// Chooses a firmware of version 2.1 on the page of the device.
-    bool loadDeviceFirmware(const QTemporaryDir &folder, const QByteArray &payload) const
-    {
-        QFile file(folder.filePath(QStringLiteral("device.fw")));
-        QByteArray header(8, '\0');
-        qToLittleEndian(SimulatedProgrammer::crc32(payload), header.data());
-        header[4] = 3; // length of the version
-        const QByteArray bytes = header + "2.1" + payload;
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
-            return false;
-        auto *edit = find<QLineEdit>("deviceImagePath");
-        edit->setText(file.fileName());
-        QTest::keyClick(edit, Qt::Key_Return);
-        return session.deviceImagePath() == file.fileName();
-    }
-
-    /// Clicks the button of the operation and waits for the end of its dialog.
-    bool runToSuccess(Operation operation) const
-    {
-        find<QToolButton>(ProgrammerSession::describe(operation).name)->click();
-        const QPointer<UtilsDialogProcessing> dialog = window.findChild<UtilsDialogProcessing *>();
-        return dialog && QTest::qWaitFor([&] { return dialog.isNull(); }, LongWait)
-            && find<QLabel>("result")->text().endsWith(QStringLiteral("completed"));
-    }
-
-    bool loadImage() const
-    {
-        const QTemporaryDir folder;
-        QFile file(folder.filePath(QStringLiteral("image.bin")));
-        if (!file.open(QIODevice::WriteOnly) || file.write(QByteArray(600, '\x42')) != 600 || !file.flush())
-            return false;
-        enterPath(file.fileName());
-        return session.image().size() == 600;
-    }
-};
-
-/// Presses the Close button once the dialog shows it, and waits for the dialog's end.
-bool closeWithButton(const QPointer<UtilsDialogProcessing> &dialog)
-{
-    auto *close = dialog->findChild<QToolButton *>(QStringLiteral("toolButton"));
-    if (!close || !QTest::qWaitFor([&] { return !close->text().isEmpty(); }, LongWait))
-        return false;
-    close->click();
-    return QTest::qWaitFor([&] { return dialog.isNull(); }, LongWait);
-}
+constexpr int LongWait = ProgrammerApplication::LongWait;
 
 } // namespace
 
@@ -142,15 +60,23 @@ void tst_ProgrammerWindow::initTestCase()
 
 void tst_ProgrammerWindow::withoutAnImageNothingCanBeWrittenOrVerified()
 {
-    Application application;
-    for (const ProgrammerSession::Description &description : ProgrammerSession::descriptions())
-        QCOMPARE(application.find<QToolButton>(description.name)->isEnabled(), !description.needsImage);
+    ProgrammerApplication application;
+    const QList<Operation> withoutImage{Operation::Read,  Operation::BlankCheck, Operation::Detect,
+                                        Operation::Erase, Operation::Reset,      Operation::EnterBootloader};
+    const auto isEnabled = [&](Operation operation) {
+        return application.find<QToolButton>(ProgrammerSession::describe(operation).name)->isEnabled();
+    };
+    for (const Operation operation : withoutImage)
+        QVERIFY(isEnabled(operation));
+    for (const Operation operation : {Operation::Write, Operation::Verify, Operation::WriteDeviceFirmware})
+        QVERIFY(!isEnabled(operation));
     QVERIFY(!application.window.run(Operation::Write));
     QVERIFY(!application.find<QToolButton>("save")->isEnabled());
+
     QVERIFY(application.loadImage());
-    for (const ProgrammerSession::Description &description : ProgrammerSession::descriptions())
-        QCOMPARE(application.find<QToolButton>(description.name)->isEnabled(),
-                 description.operation != Operation::WriteDeviceFirmware);
+    for (const Operation operation : withoutImage + QList<Operation>{Operation::Write, Operation::Verify})
+        QVERIFY(isEnabled(operation));
+    QVERIFY(!isEnabled(Operation::WriteDeviceFirmware));
 }
 
 void tst_ProgrammerWindow::everyButtonRunsItsOperationUnderADialog_data()
@@ -163,7 +89,7 @@ void tst_ProgrammerWindow::everyButtonRunsItsOperationUnderADialog_data()
 
 void tst_ProgrammerWindow::everyButtonRunsItsOperationUnderADialog()
 {
-    Application application;
+    ProgrammerApplication application;
     QFETCH(Operation, operation);
     QVERIFY(application.loadImage());
     const ProgrammerSession::Description &description = ProgrammerSession::describe(operation);
@@ -178,30 +104,29 @@ void tst_ProgrammerWindow::everyButtonRunsItsOperationUnderADialog()
     QVERIFY(completed.wait(LongWait));
     QCOMPARE(completed.first().at(0).value<Operation>(), operation);
     QCOMPARE(completed.first().at(1).toInt(), 0);
-    QVERIFY(application.find<QLabel>("result")->text().endsWith(QStringLiteral("completed")));
+    QVERIFY(application.result().endsWith(QStringLiteral("completed")));
     QCOMPARE(application.find<QToolButton>("save")->isEnabled(), operation == Operation::Read);
 }
 
 void tst_ProgrammerWindow::theDialogClosesByItselfWhenTheSwitchSaysSo()
 {
-    Application application;
+    ProgrammerApplication application;
     QPointer<UtilsDialogProcessing> dialog = application.window.run(Operation::Detect);
     QTRY_VERIFY_WITH_TIMEOUT(dialog.isNull(), LongWait);
 
-    application.find<QCheckBox>("autoClose")->setChecked(false);
+    application.find<UtilsToggleSwitch>("autoClose")->setChecked(false);
     dialog = application.window.run(Operation::Detect);
-    QVERIFY(closeWithButton(dialog));
+    QVERIFY(ProgrammerApplication::closeWithButton(dialog));
     QVERIFY(!application.window.findChild<UtilsDialog *>()); // nothing to explain
 }
 
 void tst_ProgrammerWindow::aFailureStaysUntilItIsClosedAndIsExplained()
 {
-    Application application;
+    ProgrammerApplication application;
     QString error;
     QVERIFY(application.session.addFault(QStringLiteral("device-connect=38"), &error));
-    QVERIFY(closeWithButton(application.window.run(Operation::Detect)));
-    QCOMPARE(application.find<QLabel>("result")->text(),
-             QStringLiteral("Detect: status 38, There is no selected device."));
+    QVERIFY(ProgrammerApplication::closeWithButton(application.window.run(Operation::Detect)));
+    QCOMPARE(application.result(), QStringLiteral("Detect: status 38, There is no selected device."));
     QCOMPARE(application.find<QLabel>("result")->property("log-type"), QVariant(QStringLiteral("error")));
 
     const QPointer<UtilsDialog> explanation = application.window.findChild<UtilsDialog *>();
@@ -213,14 +138,14 @@ void tst_ProgrammerWindow::aFailureStaysUntilItIsClosedAndIsExplained()
 
 void tst_ProgrammerWindow::aLinkPasswordIsAskedForAndReachesTheProgrammer()
 {
-    Application application;
+    ProgrammerApplication application;
     SimulatedProgrammer &programmer = application.session.programmer();
     TSelectedDevice overWiFi = programmer.devices().constLast();
     QCOMPARE(overWiFi.link, qint32(TSelectedDevice::WiFi));
     QVERIFY(programmer.selectDevice(overWiFi));
     programmer.setWiFiPassword(OPERATION_TYPE_DEBUG, QStringLiteral("open sesame"));
 
-    QVERIFY(closeWithButton(application.window.run(Operation::Detect)));
+    QVERIFY(ProgrammerApplication::closeWithButton(application.window.run(Operation::Detect)));
     auto *question = application.window.findChild<UtilsDialog *>();
     QVERIFY(question);
     auto *password = question->findChild<QLineEdit *>();
@@ -236,12 +161,12 @@ void tst_ProgrammerWindow::aLinkPasswordIsAskedForAndReachesTheProgrammer()
 
 void tst_ProgrammerWindow::aCancelledPasswordLeavesTheLinkLocked()
 {
-    Application application;
+    ProgrammerApplication application;
     application.session.programmer().setWiFiPassword(OPERATION_TYPE_DEBUG, QStringLiteral("open sesame"));
-    application.find<QCheckBox>("overWiFi")->click();
+    application.find<UtilsToggleSwitch>("overWiFi")->click();
     QCOMPARE(application.session.link(), TSelectedDevice::WiFi);
     for (const bool cancel : {true, false}) {
-        QVERIFY(closeWithButton(application.window.run(Operation::Detect)));
+        QVERIFY(ProgrammerApplication::closeWithButton(application.window.run(Operation::Detect)));
         const QPointer<UtilsDialog> question = application.window.findChild<UtilsDialog *>();
         QVERIFY(question);
         question->setLineEditText(QStringLiteral("a guess"));
@@ -255,56 +180,8 @@ void tst_ProgrammerWindow::aCancelledPasswordLeavesTheLinkLocked()
     QVERIFY(completed.wait(LongWait));
     QCOMPARE(completed.first().at(1).toInt(), 14);
 
-    application.find<QCheckBox>("overWiFi")->click();
+    application.find<UtilsToggleSwitch>("overWiFi")->click();
     QCOMPARE(application.session.link(), TSelectedDevice::Usb);
-}
-
-void tst_ProgrammerWindow::theDeviceIsUpdatedStepByStep()
-{
-    Application application;
-    const QTemporaryDir folder;
-    const QByteArray payload(3000, '\x5a');
-    QVERIFY(application.loadDeviceFirmware(folder, payload));
-    QCOMPARE(application.find<QLabel>("deviceImageSummary")->text(), QStringLiteral("Version 2.1, 3000 bytes"));
-    QVERIFY(application.runToSuccess(Operation::EnterBootloader));
-    QCOMPARE(application.find<QLabel>("bootloaderSummary")->text(),
-             QStringLiteral("Device 0x1002, sectors of 4096 bytes"));
-    QVERIFY(application.runToSuccess(Operation::WriteDeviceFirmware));
-    QCOMPARE(application.session.programmer().firmware(int(payload.size())), payload);
-    QVERIFY(application.session.programmer().isInBootloader());
-    QVERIFY(application.runToSuccess(Operation::ExitBootloader));
-    QVERIFY(!application.session.programmer().isInBootloader());
-    QCOMPARE(application.session.programmer().refusals(), QStringList());
-}
-
-void tst_ProgrammerWindow::aBadDeviceFirmwareIsSaid()
-{
-    Application application;
-    const QTemporaryDir folder;
-    auto *edit = application.find<QLineEdit>("deviceImagePath");
-    for (const char *const path : {"/no/such/firmware", "/"}) {
-        edit->setText(QString::fromLatin1(path));
-        QTest::keyClick(edit, Qt::Key_Return);
-        QVERIFY(application.find<QLabel>("result")->text().endsWith(QStringLiteral("cannot be opened.")));
-    }
-    QVERIFY(!application.loadDeviceFirmware(folder, QByteArray()));
-    QVERIFY(application.find<QLabel>("result")->text().endsWith(QStringLiteral("is empty.")));
-    QVERIFY(!application.find<QToolButton>("bootloader-write")->isEnabled());
-}
-
-void tst_ProgrammerWindow::thePowerModuleIsUpdatedStepByStep()
-{
-    Application application;
-    for (const Operation operation :
-         {Operation::ActivatePowerBootloader, Operation::ShowPowerBootloader, Operation::WritePowerFirmware})
-        QVERIFY(application.runToSuccess(operation));
-    SimulatedProgrammer &programmer = application.session.programmer();
-    QVERIFY(!programmer.isPowerModuleInBootloader());
-    QVERIFY(application.runToSuccess(Operation::ActivatePowerBootloader));
-    QVERIFY(programmer.isPowerModuleInBootloader());
-    QVERIFY(application.runToSuccess(Operation::ResetPowerModule));
-    QVERIFY(!programmer.isPowerModuleInBootloader());
-    QCOMPARE(programmer.refusals(), QStringList());
 }
 
 void tst_ProgrammerWindow::withoutADriverADeviceIsMissed()
@@ -314,7 +191,7 @@ void tst_ProgrammerWindow::withoutADriverADeviceIsMissed()
     window.show();
     for (const Operation operation : {Operation::Detect, Operation::EnterBootloader}) {
         QSignalSpy completed(&session, &ProgrammerSession::completed);
-        QVERIFY(closeWithButton(window.run(operation)));
+        QVERIFY(ProgrammerApplication::closeWithButton(window.run(operation)));
         QCOMPARE(completed.count(), 1);
         QCOMPARE(completed.first().at(1).toInt(), 38);
         const QPointer<UtilsDialog> explanation = window.findChild<UtilsDialog *>();
@@ -323,37 +200,6 @@ void tst_ProgrammerWindow::withoutADriverADeviceIsMissed()
         QTest::keyClick(explanation, Qt::Key_Return);
         QTRY_VERIFY(explanation.isNull());
     }
-}
-
-void tst_ProgrammerWindow::theOptionsReachTheTarget()
-{
-    Application application;
-    const auto boxes = application.find<QGroupBox>("optionsPanel")->findChildren<QComboBox *>();
-    QCOMPARE(boxes.size(), 4);
-    const auto values = [&] {
-        const TargetOptionsOperation &operation = application.session.operationOptions();
-        return QList<int>{operation.getIntValue(0), operation.getIntValue(1), operation.getIntValue(2),
-                          application.session.connectionOptions().getIntValue(5)};
-    };
-    for (QComboBox *box : boxes)
-        box->setCurrentIndex(1);
-    QCOMPARE(values(), QList<int>({2, 1, 1, 1}));
-    boxes.at(0)->setCurrentIndex(0);
-    boxes.at(2)->setCurrentIndex(0);
-    QCOMPARE(values(), QList<int>({0, 1, 0, 1}));
-}
-
-void tst_ProgrammerWindow::anUnknownOptionValueIsKept()
-{
-    ProgrammerSession session;
-    session.operationOptions().setIntValue(0, 7);
-    session.operationOptions().setIntValue(1, -1);
-    const MainWindow window(&session);
-    const auto boxes = window.findChild<QGroupBox *>(QStringLiteral("optionsPanel"))->findChildren<QComboBox *>();
-    boxes.at(2)->setCurrentIndex(1);
-    QCOMPARE(session.operationOptions().getIntValue(0), 7);
-    QCOMPARE(session.operationOptions().getIntValue(1), -1);
-    QCOMPARE(session.operationOptions().getIntValue(2), 1);
 }
 
 void tst_ProgrammerWindow::theChosenImageIsRememberedAndWatched()
@@ -366,7 +212,7 @@ void tst_ProgrammerWindow::theChosenImageIsRememberedAndWatched()
     };
     QVERIFY(store(100));
     {
-        Application application;
+        ProgrammerApplication application;
         QTest::ignoreMessage(QtWarningMsg, "QFileSystemWatcher::addPath: path is empty"); // nothing was stored yet
         application.window.rememberImage();
         QVERIFY(application.find<QToolButton>("browse")->isVisible());
@@ -375,7 +221,7 @@ void tst_ProgrammerWindow::theChosenImageIsRememberedAndWatched()
         QVERIFY(store(200));
         QTRY_COMPARE_WITH_TIMEOUT(application.session.image().size(), 200, LongWait);
     }
-    Application next;
+    ProgrammerApplication next;
     next.window.rememberImage();
     QCOMPARE(next.session.imagePath(), path);
 }
@@ -394,7 +240,7 @@ void tst_ProgrammerWindow::newerVersionsAreAnnounced()
             socket->disconnectFromHost();
         });
     });
-    Application application;
+    ProgrammerApplication application;
     auto *check = application.find<QToolButton>("checkForUpdates");
     auto *result = application.find<QLabel>("result");
     QVERIFY(!check->isEnabled());
@@ -419,20 +265,10 @@ void tst_ProgrammerWindow::newerVersionsAreAnnounced()
     QVERIFY(result->text().contains(QStringLiteral("is no address")));
 }
 
-void tst_ProgrammerWindow::everyPageOffersHelp()
-{
-    Application application;
-    for (const char *const name : {"targetPage", "deviceFirmwarePage", "powerModulePage"}) {
-        QCOMPARE(application.find<QWidget>(name)->contextMenuPolicy(), Qt::CustomContextMenu);
-        QVERIFY(
-            application.find<QWidget>(name)->findChild<UtilsHelpContextMenu *>(QString(), Qt::FindDirectChildrenOnly));
-    }
-}
-
 void tst_ProgrammerWindow::theThemeChangesAtRunTime()
 {
     Appearance::apply(QStringLiteral("dark"));
-    Application application;
+    ProgrammerApplication application;
     auto *theme = application.find<QComboBox>("theme");
     QCOMPARE(theme->currentText(), QStringLiteral("dark"));
     const QString dark = qApp->styleSheet();
@@ -445,37 +281,17 @@ void tst_ProgrammerWindow::theThemeChangesAtRunTime()
     qApp->setStyleSheet(QString());
 }
 
-void tst_ProgrammerWindow::faultsAreAddedAndForgotten()
-{
-    Application application;
-    auto *edit = application.find<QComboBox>("faultEdit");
-    edit->setEditText(QStringLiteral("write@block=3:5"));
-    application.find<QToolButton>("addFault")->click();
-    QCOMPARE(application.session.faults(), QStringList(QStringLiteral("write@block=3:5")));
-    QCOMPARE(application.find<QListWidget>("faults")->count(), 1);
-    QVERIFY(!application.find<QLabel>("faultProblem")->isVisible());
-
-    edit->setEditText(QStringLiteral("no such fault"));
-    QTest::keyClick(edit->lineEdit(), Qt::Key_Return);
-    QVERIFY(application.find<QLabel>("faultProblem")->isVisible());
-    QCOMPARE(application.find<QListWidget>("faults")->count(), 1);
-
-    application.find<QToolButton>("clearFaults")->click();
-    QCOMPARE(application.find<QListWidget>("faults")->count(), 0);
-    QVERIFY(!application.find<QToolButton>("clearFaults")->isEnabled());
-}
-
 void tst_ProgrammerWindow::aBadFileIsSaid()
 {
-    Application application;
+    ProgrammerApplication application;
     application.enterPath(QStringLiteral("/no/such/image.bin"));
-    QVERIFY(application.find<QLabel>("result")->text().startsWith(QStringLiteral("There is no file")));
+    QVERIFY(application.result().startsWith(QStringLiteral("There is no file")));
     QVERIFY(!application.find<QToolButton>("write")->isEnabled());
 }
 
 void tst_ProgrammerWindow::theWindowMayGoWhileAnOperationHangs()
 {
-    auto application = std::make_unique<Application>();
+    auto application = std::make_unique<ProgrammerApplication>();
     QString error;
     QVERIFY(application->session.addFault(QStringLiteral("erase=hang"), &error));
     QVERIFY(application->window.run(Operation::Erase));

@@ -1,6 +1,4 @@
-#include "FaultPanel.h"
-
-#include "ProgrammerSession.h"
+#include "FaultPage.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -10,29 +8,22 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-FaultPanel::FaultPanel(ProgrammerSession *programmerSession, QWidget *parent)
-    : QGroupBox(parent)
-    , session(programmerSession)
+FaultPage::FaultPage(ProgrammerSession *session, QWidget *parent)
+    : Page(session, QStringLiteral("faultPage"), tr("Simulated faults"), QStringLiteral("programmer/faults.html"),
+           parent)
 {
     setupForm();
-    connect(addButton, &QToolButton::clicked, this, &FaultPanel::addFault);
-    connect(faultEdit->lineEdit(), &QLineEdit::returnPressed, this, &FaultPanel::addFault);
+    connect(addButton, &QToolButton::clicked, this, &FaultPage::addFault);
+    connect(faultEdit->lineEdit(), &QLineEdit::returnPressed, this, &FaultPage::addFault);
     connect(clearButton, &QToolButton::clicked, session, &ProgrammerSession::clearFaults);
-    connect(session, &ProgrammerSession::faultsChanged, this, &FaultPanel::showFaults);
+    connect(session, &ProgrammerSession::faultsChanged, this, &FaultPage::showFaults);
     showFaults();
 }
 
-void FaultPanel::setupForm()
+void FaultPage::setupForm()
 {
-    setObjectName(QStringLiteral("faultPanel"));
-    setTitle(tr("Faults of the simulated programmer"));
-    auto *layout = new QVBoxLayout(this);
-
-    auto *hint = new QLabel(tr("A name fails with a status of its own kind. Or choose it: device-connect=38, "
-                               "write@block=3, erase=hang, verify-mismatch."),
-                            this);
-    hint->setWordWrap(true);
-    layout->addWidget(hint);
+    addText(tr("The simulated programmer fails on demand. A name fails with a status of its own kind. Or choose it: "
+               "device-connect=38, write@block=3, erase=hang, verify-mismatch."));
 
     auto *row = new QHBoxLayout;
     faultEdit = new QComboBox(this);
@@ -47,38 +38,40 @@ void FaultPanel::setupForm()
     addButton = new QToolButton(this);
     addButton->setObjectName(QStringLiteral("addFault"));
     addButton->setText(tr("Add"));
+    addButton->setFocusPolicy(Qt::StrongFocus);
     row->addWidget(addButton);
-    layout->addLayout(row);
+    body()->addLayout(row);
 
     problemLabel = new QLabel(this);
     problemLabel->setObjectName(QStringLiteral("faultProblem"));
     problemLabel->setProperty("log-type", QStringLiteral("error"));
     problemLabel->setWordWrap(true);
     problemLabel->hide();
-    layout->addWidget(problemLabel);
+    body()->addWidget(problemLabel);
 
     faultList = new QListWidget(this);
     faultList->setObjectName(QStringLiteral("faults"));
     faultList->setAccessibleName(tr("Planned faults"));
-    layout->addWidget(faultList);
+    body()->addWidget(faultList, 1);
 
     clearButton = new QToolButton(this);
     clearButton->setObjectName(QStringLiteral("clearFaults"));
     clearButton->setText(tr("Forget all"));
-    layout->addWidget(clearButton, 0, Qt::AlignRight);
+    clearButton->setFocusPolicy(Qt::StrongFocus);
+    body()->addWidget(clearButton, 0, Qt::AlignRight);
 }
 
-void FaultPanel::addFault()
+void FaultPage::addFault()
 {
     QString problem;
-    session->addFault(faultEdit->currentText().trimmed(), &problem);
+    session()->addFault(faultEdit->currentText().trimmed(), &problem);
     problemLabel->setText(problem);
     problemLabel->setVisible(!problem.isEmpty());
 }
 
-void FaultPanel::showFaults()
+void FaultPage::showFaults()
 {
     faultList->clear();
-    faultList->addItems(session->faults());
+    faultList->addItems(session()->faults());
     clearButton->setEnabled(faultList->count() > 0);
 }

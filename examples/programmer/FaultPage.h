@@ -1,28 +1,26 @@
-#ifndef FAULTPANEL_H
-#define FAULTPANEL_H
+#ifndef FAULTPAGE_H
+#define FAULTPAGE_H
 
-#include <QGroupBox>
+#include "Page.h"
 
-class ProgrammerSession;
 class QComboBox;
 class QLabel;
 class QListWidget;
 class QToolButton;
 
 /// Lets the simulated programmer fail: a line for the fault, the faults that are planned, a button to forget them.
-class FaultPanel : public QGroupBox
+class FaultPage : public Page
 {
     Q_OBJECT
 
 public:
-    FaultPanel(ProgrammerSession *session, QWidget *parent);
+    explicit FaultPage(ProgrammerSession *session, QWidget *parent = nullptr);
 
 private:
     void setupForm();
     void addFault();
     void showFaults();
 
-    ProgrammerSession *session;
     QComboBox *faultEdit = nullptr;
     QToolButton *addButton = nullptr;
     QLabel *problemLabel = nullptr;
@@ -30,4 +28,4 @@ private:
     QToolButton *clearButton = nullptr;
 };
 
-#endif // FAULTPANEL_H
+#endif // FAULTPAGE_H
