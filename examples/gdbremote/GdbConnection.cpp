@@ -1,15 +1,13 @@
 #include "GdbConnection.h"
 
-#include "GdbPacket.h"
-
 #include <QDeadlineTimer>
 #include <QTcpSocket>
 
 namespace {
 
-constexpr int MaximumAttempts = 3; ///< for a packet that was damaged
+constexpr int MaximumAttempts = 3; // for a packet that was damaged
+constexpr qsizetype MaximumTraffic = 4 * GdbPacket::MaximumSize; // bytes for one command, with all that is dropped
 constexpr char InterruptByte = '\x03';
-constexpr qsizetype ChecksumSize = 3; ///< the mark and two digits
 
 int remaining(const QDeadlineTimer &deadline)
 {
@@ -41,6 +39,7 @@ void GdbConnection::close()
         socket->abort();
     socket.reset();
     received.clear();
+    acknowledges = true;
 }
 
 bool GdbConnection::isOpen() const
@@ -48,50 +47,57 @@ bool GdbConnection::isOpen() const
     return socket != nullptr;
 }
 
-GdbConnection::Result GdbConnection::exchange(const QByteArray &command, QByteArray *answer, int timeout)
+void GdbConnection::setAcknowledging(bool acknowledging)
 {
-    const QDeadlineTimer deadline(timeout);
-    const Result result = send(command, deadline);
-    return result == Result::Done ? receive(answer, deadline) : result;
-}
-
-GdbConnection::Result GdbConnection::receive(QByteArray *answer, const QDeadlineTimer &deadline)
-{
-    for (int attempt = 0; attempt < MaximumAttempts; ++attempt) {
-        QByteArray wireBody;
-        QByteArray digits;
-        Result result = takePacket(&wireBody, &digits, deadline);
-        if (result != Result::Done)
-            return result;
-        const bool intact = GdbPacket::isChecksum(digits, wireBody);
-        result = transmit(intact ? "+" : "-", deadline);
-        if (result != Result::Done)
-            return result;
-        if (intact)
-            return GdbPacket::expand(wireBody, answer) ? Result::Done : fail(Result::Garbage);
-    }
-    return fail(Result::Garbage);
+    acknowledges = acknowledging;
 }
 
 GdbConnection::Result GdbConnection::send(const QByteArray &command, const QDeadlineTimer &deadline)
 {
+    traffic = 0;
     const QByteArray packet = GdbPacket::frame(command);
-    for (int attempt = 0; attempt < MaximumAttempts; ++attempt) {
-        Result result = transmit(packet, deadline);
-        bool accepted = false;
-        if (result == Result::Done)
-            result = awaitAcknowledgement(&accepted, deadline);
-        if (result != Result::Done || accepted)
+    Result result = transmit(packet, deadline);
+    int attempts = 1;
+    while (acknowledges && result == Result::Done) {
+        GdbPacket::Kind kind = GdbPacket::Kind::Nothing;
+        QByteArray stale;
+        result = next(&kind, &stale, deadline);
+        if (result != Result::Done || kind == GdbPacket::Kind::Acknowledgement)
+            break;
+        if (kind == GdbPacket::Kind::Answer)
+            result = transmit("+", deadline); // sent before the command was known; it must not come again
+        else if (kind == GdbPacket::Kind::Rejection)
+            result = attempts++ < MaximumAttempts ? transmit(packet, deadline) : fail(Result::Garbage);
+    }
+    return result;
+}
+
+GdbConnection::Result GdbConnection::interrupt(const QDeadlineTimer &deadline)
+{
+    traffic = 0;
+    return transmit(QByteArray(1, InterruptByte), deadline); // no packet, so nobody acknowledges it
+}
+
+GdbConnection::Result GdbConnection::receive(QByteArray *answer, const QDeadlineTimer &deadline)
+{
+    for (int damaged = 0; damaged < MaximumAttempts;) {
+        GdbPacket::Kind kind = GdbPacket::Kind::Nothing;
+        Result result = next(&kind, answer, deadline);
+        if (result != Result::Done)
+            return result;
+        if (kind == GdbPacket::Kind::Answer)
+            return acknowledges ? transmit("+", deadline) : Result::Done;
+        // Without acknowledgements nothing is sent again.
+        if (kind == GdbPacket::Kind::Nonsense || (kind == GdbPacket::Kind::DamagedAnswer && !acknowledges))
+            break;
+        if (kind != GdbPacket::Kind::DamagedAnswer)
+            continue;
+        ++damaged;
+        result = transmit("-", deadline);
+        if (result != Result::Done)
             return result;
     }
     return fail(Result::Garbage);
-}
-
-GdbConnection::Result GdbConnection::interrupt(QByteArray *answer, int timeout)
-{
-    const QDeadlineTimer deadline(timeout);
-    const Result result = transmit(QByteArray(1, InterruptByte), deadline);
-    return result == Result::Done ? receive(answer, deadline) : result;
 }
 
 GdbConnection::Result GdbConnection::transmit(const QByteArray &bytes, const QDeadlineTimer &deadline)
@@ -107,6 +113,21 @@ GdbConnection::Result GdbConnection::transmit(const QByteArray &bytes, const QDe
     return Result::Done;
 }
 
+/// Waits for the next thing that means something.
+GdbConnection::Result GdbConnection::next(GdbPacket::Kind *kind, QByteArray *body, const QDeadlineTimer &deadline)
+{
+    for (;;) {
+        *kind = GdbPacket::take(&received, body);
+        if (*kind != GdbPacket::Kind::Nothing)
+            return Result::Done;
+        if (received.size() > GdbPacket::MaximumSize || traffic > MaximumTraffic)
+            return fail(Result::Garbage);
+        const Result result = waitForBytes(deadline);
+        if (result != Result::Done)
+            return result;
+    }
+}
+
 /// Waits until there are unused bytes.
 GdbConnection::Result GdbConnection::waitForBytes(const QDeadlineTimer &deadline)
 {
@@ -117,49 +138,10 @@ GdbConnection::Result GdbConnection::waitForBytes(const QDeadlineTimer &deadline
         return fail(Result::NoAnswer);
     if (socket->bytesAvailable() == 0 && !socket->waitForReadyRead(remaining(deadline)))
         return fail(socket->state() == QAbstractSocket::ConnectedState ? Result::NoAnswer : Result::Closed);
-    received += socket->readAll();
+    const QByteArray bytes = socket->readAll();
+    received += bytes;
+    traffic += bytes.size();
     return Result::Done;
-}
-
-/// Skips to the acknowledgement of what was sent.
-GdbConnection::Result GdbConnection::awaitAcknowledgement(bool *accepted, const QDeadlineTimer &deadline)
-{
-    for (qsizetype skipped = 0; skipped <= GdbPacket::MaximumSize;) {
-        while (received.isEmpty()) {
-            const Result result = waitForBytes(deadline);
-            if (result != Result::Done)
-                return result;
-        }
-        const char byte = received.front();
-        received.remove(0, 1);
-        ++skipped;
-        if (byte == '+' || byte == '-') {
-            *accepted = byte == '+';
-            return Result::Done;
-        }
-    }
-    return fail(Result::Garbage);
-}
-
-/// Takes the next packet out of what the server sends; what stands before it is skipped.
-GdbConnection::Result GdbConnection::takePacket(QByteArray *wireBody, QByteArray *digits,
-                                                const QDeadlineTimer &deadline)
-{
-    for (;;) {
-        const qsizetype start = received.indexOf('$');
-        const qsizetype end = start < 0 ? -1 : received.indexOf('#', start);
-        if (end >= 0 && received.size() >= end + ChecksumSize) {
-            *wireBody = received.mid(start + 1, end - start - 1);
-            *digits = received.mid(end + 1, ChecksumSize - 1);
-            received.remove(0, end + ChecksumSize);
-            return wireBody->size() <= GdbPacket::MaximumSize ? Result::Done : fail(Result::Garbage);
-        }
-        if (received.size() > GdbPacket::MaximumSize)
-            return fail(Result::Garbage);
-        const Result result = waitForBytes(deadline);
-        if (result != Result::Done)
-            return result;
-    }
 }
 
 /// After @p result nobody knows what the server's next bytes belong to.

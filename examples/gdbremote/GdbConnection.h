@@ -1,6 +1,8 @@
 #ifndef GDBCONNECTION_H
 #define GDBCONNECTION_H
 
+#include "GdbPacket.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -9,11 +11,11 @@
 class QDeadlineTimer;
 class QTcpSocket;
 
-/// The TCP connection to a GDB server: sends packets and waits for their answers, with acknowledgements.
+/// The TCP connection to a GDB server: sends packets and receives their answers, with acknowledgements.
 ///
 /// Blocks, and needs no event loop: it is made for worker threads. open() to close() belong to one thread. What the
-/// server sends is not trusted; every call ends within its time, and whatever leaves the connection in doubt closes it,
-/// so that later calls fail at once.
+/// server sends is not trusted; every call ends by its deadline, however slowly bytes come, and whatever leaves the
+/// connection in doubt closes it, so that later calls fail at once.
 class GdbConnection
 {
 public:
@@ -25,37 +27,38 @@ public:
         Garbage ///< what came is no packet
     };
 
-    static constexpr int DefaultTimeout = 5000; ///< ms, for a connection and for an answer
-
     GdbConnection();
     /// Closes the connection.
     ~GdbConnection();
 
-    /// Connects to the server, after closing the connection there may be.
-    Result open(const QString &host, quint16 port, int timeout = DefaultTimeout);
+    /// Connects to the server, after closing the connection there may be. A host name is looked up by the system, in
+    /// its own time; @p timeout, in ms, is for the rest.
+    Result open(const QString &host, quint16 port, int timeout);
     void close();
     bool isOpen() const;
 
-    /// Sends @p command and waits for the answer, for at most @p timeout ms altogether.
-    Result exchange(const QByteArray &command, QByteArray *answer, int timeout = DefaultTimeout);
-    /// Waits for one more packet; for answers that come in several.
-    Result receive(QByteArray *answer, const QDeadlineTimer &deadline);
-    /// Sends @p command, which has no answer yet, and waits for its acknowledgement.
+    /// Whether packets are acknowledged, in both directions. They are, after open(); a server may agree not to.
+    void setAcknowledging(bool acknowledging);
+
+    /// Sends @p command, again where the server asks for it, and waits for its acknowledgement.
     Result send(const QByteArray &command, const QDeadlineTimer &deadline);
-    /// Asks the server to halt the target and waits for the answer.
-    Result interrupt(QByteArray *answer, int timeout = DefaultTimeout);
+    /// Asks the server to halt the target.
+    Result interrupt(const QDeadlineTimer &deadline);
+    /// Waits for the next packet; there may be several for a command.
+    Result receive(QByteArray *answer, const QDeadlineTimer &deadline);
 
 private:
     Q_DISABLE_COPY_MOVE(GdbConnection)
 
     Result transmit(const QByteArray &bytes, const QDeadlineTimer &deadline);
+    Result next(GdbPacket::Kind *kind, QByteArray *body, const QDeadlineTimer &deadline);
     Result waitForBytes(const QDeadlineTimer &deadline);
-    Result awaitAcknowledgement(bool *accepted, const QDeadlineTimer &deadline);
-    Result takePacket(QByteArray *wireBody, QByteArray *digits, const QDeadlineTimer &deadline);
     Result fail(Result result);
 
     std::unique_ptr<QTcpSocket> socket;
+    bool acknowledges = true;
     QByteArray received; ///< bytes that are not used yet
+    qsizetype traffic = 0; ///< bytes received since the last command
 };
 
 #endif // GDBCONNECTION_H

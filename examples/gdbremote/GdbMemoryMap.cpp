@@ -9,6 +9,11 @@ namespace {
 
 constexpr qint64 AddressSpace = Q_INT64_C(1) << 32;
 
+constexpr quint32 NordicSmallPage = 1024; // nRF51
+constexpr quint32 NordicLargePage = 4096; // nRF52
+constexpr quint32 NordicLargestFlash = 2 * 1024 * 1024;
+constexpr quint32 NordicUserConfiguration = 0x10001000; // a page of registers that is flash, too
+
 quint64 number(const QString &text)
 {
     return text.trimmed().toULongLong(nullptr, 0); // 0, which no size may be, for what is no number
@@ -38,31 +43,45 @@ bool readRegion(QXmlStreamReader &reader, QList<GdbFlashRegion> *regions)
     return regions->size() <= GdbMemoryMap::MaximumRegionCount;
 }
 
+bool readRegions(QXmlStreamReader &reader, QList<GdbFlashRegion> *regions)
+{
+    if (!reader.readNextStartElement() || reader.name() != QLatin1String("memory-map"))
+        return false;
+    while (reader.readNextStartElement()) {
+        if (reader.name() != QLatin1String("memory"))
+            reader.skipCurrentElement();
+        else if (!readRegion(reader, regions))
+            return false;
+    }
+    return !reader.hasError();
+}
+
 } // namespace
 
-QList<GdbFlashRegion> GdbMemoryMap::parse(const QByteArray &xml)
+bool GdbMemoryMap::parse(const QByteArray &xml, QList<GdbFlashRegion> *regions)
 {
-    QList<GdbFlashRegion> regions;
+    regions->clear();
     QXmlStreamReader reader(xml);
-    if (!reader.readNextStartElement() || reader.name() != QLatin1String("memory-map"))
-        return {};
-    while (reader.readNextStartElement()) {
-        if (reader.name() != QLatin1String("memory")) {
-            reader.skipCurrentElement();
-            continue;
-        }
-        if (!readRegion(reader, &regions))
-            return {};
-    }
+    bool valid = readRegions(reader, regions);
     qint64 total = 0;
     qint64 sectorCount = 0;
-    for (const GdbFlashRegion &region : std::as_const(regions)) {
+    for (const GdbFlashRegion &region : std::as_const(*regions)) {
         total += region.size;
         sectorCount += region.size / region.sectorSize;
     }
-    if (reader.hasError() || total > MaximumFlashSize || sectorCount > MaximumSectorCount)
+    valid = valid && total <= MaximumFlashSize && sectorCount <= MaximumSectorCount;
+    if (!valid)
+        regions->clear();
+    return valid;
+}
+
+QList<GdbFlashRegion> GdbMemoryMap::ofNordicChip(quint32 pageSize, quint32 pageCount)
+{
+    const bool known = (pageSize == NordicSmallPage || pageSize == NordicLargePage) && pageCount > 0
+        && pageCount <= NordicLargestFlash / pageSize;
+    if (!known)
         return {};
-    return regions;
+    return {{0, pageSize * pageCount, pageSize}, {NordicUserConfiguration, pageSize, pageSize}};
 }
 
 const GdbFlashRegion *GdbMemoryMap::find(const QList<GdbFlashRegion> &regions, quint32 address)

@@ -1,9 +1,15 @@
 #include "GdbPacket.h"
 
+#include <algorithm>
 #include <numeric>
 
 namespace {
 
+constexpr char PacketMark = '$';
+constexpr char NotificationMark = '%';
+constexpr char ChecksumMark = '#';
+constexpr char Accepted = '+';
+constexpr char Rejected = '-';
 constexpr char EscapeMark = '}';
 constexpr char RepeatMark = '*';
 constexpr char EscapeBit = 0x20;
@@ -25,14 +31,31 @@ QByteArray checksum(const QByteArray &wireBody)
 
 bool isSpecial(char byte)
 {
-    return byte == '$' || byte == '#' || byte == EscapeMark || byte == RepeatMark;
+    return byte == PacketMark || byte == ChecksumMark || byte == EscapeMark || byte == RepeatMark;
+}
+
+bool startsSomething(char byte)
+{
+    return byte == PacketMark || byte == NotificationMark || byte == Accepted || byte == Rejected;
+}
+
+bool endsBody(char byte)
+{
+    return byte == ChecksumMark || byte == PacketMark;
+}
+
+/// Where the first byte is of which @p is holds; the size of @p bytes when there is none.
+template <typename Predicate>
+qsizetype find(const QByteArray &bytes, qsizetype from, Predicate is)
+{
+    return std::find_if(bytes.cbegin() + from, bytes.cend(), is) - bytes.cbegin();
 }
 
 } // namespace
 
 QByteArray GdbPacket::frame(const QByteArray &body)
 {
-    return '$' + body + '#' + checksum(body);
+    return PacketMark + body + ChecksumMark + checksum(body);
 }
 
 QByteArray GdbPacket::escape(const QByteArray &data)
@@ -73,7 +96,31 @@ bool GdbPacket::expand(const QByteArray &wireBody, QByteArray *body)
     return true;
 }
 
-bool GdbPacket::isChecksum(const QByteArray &digits, const QByteArray &wireBody)
+GdbPacket::Kind GdbPacket::take(QByteArray *received, QByteArray *body)
 {
-    return digits.toLower() == checksum(wireBody);
+    for (;;) {
+        received->remove(0, find(*received, 0, startsSomething));
+        if (received->isEmpty())
+            return Kind::Nothing;
+        const char mark = received->front();
+        if (mark == Accepted || mark == Rejected) {
+            received->remove(0, 1);
+            return mark == Accepted ? Kind::Acknowledgement : Kind::Rejection;
+        }
+        const qsizetype end = find(*received, 1, endsBody);
+        if (end < received->size() && received->at(end) == PacketMark) {
+            received->remove(0, end); // a packet starts before this one has ended: the server begins again
+            continue;
+        }
+        if (received->size() <= end + ChecksumDigits)
+            return Kind::Nothing;
+        const QByteArray wireBody = received->mid(1, end - 1);
+        const bool intact = received->mid(end + 1, ChecksumDigits).toLower() == checksum(wireBody);
+        received->remove(0, end + 1 + ChecksumDigits);
+        if (mark == NotificationMark)
+            continue;
+        if (!intact)
+            return Kind::DamagedAnswer;
+        return wireBody.size() <= MaximumSize && expand(wireBody, body) ? Kind::Answer : Kind::Nonsense;
+    }
 }

@@ -1,8 +1,7 @@
 #ifndef GDBREMOTEDRIVER_H
 #define GDBREMOTEDRIVER_H
 
-#include "GdbConnection.h"
-#include "GdbMemoryMap.h"
+#include "GdbTarget.h"
 
 #include <UniProgInterface.h>
 
@@ -35,23 +34,12 @@ class GdbRemoteDriver : public QObject, public UniProgInterface
     Q_OBJECT
 
 public:
-    enum Status : int {
-        Success = 0,
-        ChipNotRecognised = 51, ///< it is not known where the chip has its flash
-        NotSupported = 70, ///< a GDB server has nothing like it
-        ServerUnreachable = 71,
-        ServerClosed = 72, ///< the server ended the connection, or there is none
-        ServerSilent = 73, ///< no answer in time
-        ServerUnintelligible = 74, ///< the answer is no answer to what was asked
-        ServerRefused = 75, ///< the server answered with an error
-        OutOfOrder = 76, ///< the target is not connected
-        WrongArgument = 77
-    };
+    using Status = GdbTarget::Status;
 
     GdbRemoteDriver(const QString &host, quint16 port, QObject *parent = nullptr);
     ~GdbRemoteDriver() override;
 
-    /// How long the server has for an answer, GdbConnection::DefaultTimeout unless set. Erasing and programming get
+    /// How long the server has for an answer, GdbTarget::DefaultTimeout unless set. Erasing and programming get
     /// longer, as they take longer. For between two operations; from 1 ms.
     void setAnswerTimeout(int milliseconds);
 
@@ -123,41 +111,16 @@ private:
     };
     using BlockWork = std::function<int(const Block &)>;
 
-    // What the server is asked, and what its answers mean
-    int ask(const QByteArray &command, QByteArray *answer, int timeout = 0);
-    int order(const QByteArray &command, int timeout = 0);
-    int monitor(const QByteArray &command);
-    int readFeatures();
-    int readMemoryMap();
-    int readMemory(const Block &block, QByteArray *data);
-    int readWord(quint32 address, quint32 *word);
-    int writeMemory(quint32 address, const QByteArray &data);
-    int writeFlash(quint32 address, const QByteArray &data);
-
-    // What becomes of the target
-    int halt();
-    int resume();
-    int resetHalted();
-    int findFlash();
-    int eraseBlocks(const QList<Block> &sectors);
-
-    int needTarget() const;
-    quint32 blockSize() const;
+    int needTarget();
     QList<Block> flashBlocks() const;
+    QList<Block> sectors() const;
     QList<Block> imageBlocks(const MemoryManager &image) const;
-    QList<Block> touchedSectors(const MemoryManager &image) const;
+    int eraseSectors(const QList<Block> &sectors);
     int forEach(const QList<Block> &blocks, const BlockWork &work);
 
-    const QString host;
-    const quint16 port;
-    int answerTimeout = GdbConnection::DefaultTimeout;
-    GdbConnection connection;
+    GdbTarget target;
     QSharedPointer<TargetDescriptor> descriptor;
-    qsizetype packetSize = 0; ///< the longest packet the server takes
-    bool hasFlashCommands = false;
-    QList<GdbFlashRegion> flash; ///< empty while it is not known
     bool targetConnected = false;
-    bool targetRunning = false;
     bool leaveRunning = false; ///< the target is to run again after the operation
 };
 

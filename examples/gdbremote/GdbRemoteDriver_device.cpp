@@ -4,137 +4,137 @@
 
 int GdbRemoteDriver::CommitConfiguration()
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::WiFiServerStart()
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::FindDevice()
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::GetDeviceConfiguration(TConfiguration * /*configuration*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::SetDeviceConfiguration(TConfiguration * /*configuration*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::SetWiFiLinkPassword(QString /*password*/, bool /*debugLink*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::SwoGetData(unsigned char * /*data*/, unsigned short *size)
 {
     if (size)
         *size = 0;
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::SwoEnable(unsigned int /*parameter*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::BootloaderEnter()
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::BootloaderErase(unsigned int /*startAddress*/, int /*sectorCount*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::BootloaderWrite(unsigned int /*address*/, int /*length*/, const char * /*data*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::BootloaderVerify(unsigned int /*crc*/, int /*imageSize*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::BootloaderGetInfo(QByteArray * /*info*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::BootloaderExit()
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::PowerSwitch(unsigned char /*channel*/, unsigned char /*state*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::PowerSetVoltage(unsigned char /*channel*/, float /*volts*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::PowerSetBatteryOptions(unsigned int /*options*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::PowerGetReadings(unsigned char * /*readings*/, int /*size*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::PowerGetInfo(TPowerInfo * /*info*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::PowerSaveConfiguration()
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::PowerGetSupplyState(TPowerSupplyState * /*state*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::PowerBootloaderActivate()
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::PowerBootloaderReset()
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::PowerBootloaderErase(unsigned int /*sectorCount*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::PowerBootloaderWrite(unsigned int /*address*/, int /*length*/, const char * /*data*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::PowerBootloaderVerify(unsigned int /*crc*/, int /*size*/, bool * /*mismatch*/)
 {
-    return NotSupported;
+    return Status::NotSupported;
 }
 
 int GdbRemoteDriver::PowerBootloaderGetInfo()
 {
-    return NotSupported;
+    return Status::NotSupported;
 }

@@ -11,10 +11,17 @@ namespace {
 
 constexpr int PollTime = 20; // ms
 
+void send(QTcpSocket &socket, const QByteArray &bytes)
+{
+    socket.write(bytes);
+    while (socket.bytesToWrite() > 0 && socket.waitForBytesWritten(PollTime)) { }
+}
+
 } // namespace
 
-GdbServer::GdbServer(Handler serverHandler)
+GdbServer::GdbServer(Handler serverHandler, const QHostAddress &serverAddress)
     : handler(std::move(serverHandler))
+    , listeningAddress(serverAddress)
     , flashBytes(FlashSize, '\0')
     , configurationBytes(PageSize, '\xFF')
 {
@@ -34,6 +41,12 @@ quint16 GdbServer::port() const
     return listeningPort;
 }
 
+qsizetype GdbServer::acknowledgements() const
+{
+    const QMutexLocker lock(&mutex);
+    return acknowledgementCount;
+}
+
 QByteArrayList GdbServer::commands() const
 {
     const QMutexLocker lock(&mutex);
@@ -48,18 +61,23 @@ QByteArray GdbServer::flash() const
 
 GdbServer::Reply GdbServer::answer(const QByteArray &command)
 {
-    return packet(respond(command));
+    if (command == "c")
+        return {"+"}; // the answer comes when the target stops
+    Reply reply = packet(respond(command));
+    if (command == Interrupt)
+        reply.bytes.remove(0, 1); // which is no packet, and not acknowledged
+    return reply;
 }
 
 GdbServer::Reply GdbServer::packet(const QByteArray &body)
 {
-    return {'+' + GdbPacket::frame(body), false};
+    return {'+' + GdbPacket::frame(body), Then::Listen};
 }
 
 void GdbServer::run()
 {
     QTcpServer server;
-    if (!server.listen(QHostAddress::LocalHost))
+    if (!server.listen(listeningAddress))
         return;
     listeningPort = server.serverPort();
     while (!isInterruptionRequested()) {
@@ -77,23 +95,41 @@ void GdbServer::serve(QTcpSocket &socket)
     while (!isInterruptionRequested() && socket.state() == QAbstractSocket::ConnectedState) {
         if (socket.waitForReadyRead(PollTime))
             bytes += socket.readAll();
-        for (qsizetype end = bytes.indexOf('#'); end >= 0 && bytes.size() >= end + 3; end = bytes.indexOf('#')) {
-            const qsizetype start = bytes.indexOf('$');
-            const QByteArray command = bytes.mid(start + 1, end - start - 1);
-            bytes.remove(0, end + 3);
-            int number = 0;
-            {
-                const QMutexLocker lock(&mutex);
-                received.append(command);
-                number = int(received.size());
+        for (QByteArray command = takeCommand(&bytes); !command.isNull(); command = takeCommand(&bytes)) {
+            const Reply reply = handler ? handler(*this, command) : answer(command);
+            send(socket, reply.bytes);
+            while (reply.then == Then::Dribble && !isInterruptionRequested()
+                   && socket.state() == QAbstractSocket::ConnectedState) {
+                send(socket, "x");
+                socket.waitForReadyRead(PollTime);
             }
-            const Reply reply = handler ? handler(command, number) : answer(command);
-            socket.write(reply.bytes);
-            while (socket.bytesToWrite() > 0 && socket.waitForBytesWritten(PollTime)) { }
-            if (reply.close)
+            if (reply.then == Then::Close)
                 return;
         }
     }
+}
+
+/// Null when none has come whole yet.
+QByteArray GdbServer::takeCommand(QByteArray *bytes)
+{
+    const QMutexLocker lock(&mutex);
+    while (bytes->startsWith('+') || bytes->startsWith('-')) {
+        acknowledgementCount += bytes->startsWith('+') ? 1 : 0;
+        bytes->remove(0, 1);
+    }
+    constexpr qsizetype ChecksumSize = 3; // with its mark
+    const qsizetype end = bytes->indexOf('#');
+    QByteArray command;
+    if (bytes->startsWith(Interrupt)) {
+        command = Interrupt;
+        bytes->remove(0, 1);
+    } else if (end >= 0 && bytes->size() >= end + ChecksumSize) {
+        command = bytes->mid(1, end - 1);
+        bytes->remove(0, end + ChecksumSize);
+    }
+    if (!command.isNull())
+        received.append(command);
+    return command;
 }
 
 QByteArray GdbServer::respond(const QByteArray &command)
@@ -101,7 +137,7 @@ QByteArray GdbServer::respond(const QByteArray &command)
     const QMutexLocker lock(&mutex);
     if (command.startsWith("qSupported"))
         return "PacketSize=200;multiprocess+";
-    if (command == "?")
+    if (command == "?" || command == Interrupt)
         return "S05";
     if (command.startsWith("qRcmd,"))
         return "OK";

@@ -2,6 +2,7 @@
 #define GDBSERVER_H
 
 #include <QByteArray>
+#include <QHostAddress>
 #include <QMutex>
 #include <QThread>
 
@@ -18,22 +19,29 @@ class GdbServer : public QThread
     Q_OBJECT
 
 public:
-    /// What is sent for a command, byte by byte; the connection is closed afterwards when it says so.
+    /// What comes after the bytes of a reply.
+    enum class Then { Listen, Close, Dribble }; ///< Dribble: single bytes for as long as somebody listens
     struct Reply
     {
         QByteArray bytes;
-        bool close = false;
+        Then then = Then::Listen;
     };
-    using Handler = std::function<Reply(const QByteArray &command, int number)>;
+    /// Called in the thread of the server. A command is the body of a packet, or Interrupt.
+    using Handler = std::function<Reply(GdbServer &server, const QByteArray &command)>;
+
+    static constexpr char Interrupt[] = "\x03";
 
     static constexpr quint32 PageSize = 1024;
     static constexpr quint32 FlashSize = 4 * PageSize;
     static constexpr quint32 UserConfiguration = 0x10001000;
 
-    explicit GdbServer(Handler handler = {});
+    explicit GdbServer(Handler handler = {}, const QHostAddress &address = QHostAddress::LocalHost);
     ~GdbServer() override;
 
+    /// 0 where nobody can listen at the address.
     quint16 port() const;
+    /// How many packets the client has acknowledged.
+    qsizetype acknowledgements() const;
     QByteArrayList commands() const;
     QByteArray flash() const;
 
@@ -47,15 +55,18 @@ protected:
 
 private:
     void serve(QTcpSocket &socket);
+    QByteArray takeCommand(QByteArray *bytes);
     QByteArray respond(const QByteArray &command);
     QByteArray readMemory(quint32 address, quint32 size) const;
 
     const Handler handler;
+    const QHostAddress listeningAddress;
     std::atomic<quint16> listeningPort{0};
     mutable QMutex mutex;
     QByteArray flashBytes;
     QByteArray configurationBytes;
     QByteArrayList received;
+    qsizetype acknowledgementCount = 0;
 };
 
 #endif // GDBSERVER_H

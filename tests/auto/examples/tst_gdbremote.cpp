@@ -5,6 +5,7 @@
 #include <GdbPacket.h>
 #include <GdbRemoteDriver.h>
 #include <MemoryManager.h>
+#include <ProgrammerSession.h>
 #include <UtilsDialogProcessing.h>
 #include <UtilsUniProgThread.h>
 
@@ -13,15 +14,22 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QHash>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QScopeGuard>
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
+#include <QThread>
 #include <QTimer>
 
 #include <algorithm>
+#include <atomic>
+#include <functional>
+#include <memory>
 
 /// Drives targets behind GDB servers: one that does as a test says, and an emulated chip.
 class tst_GdbRemote : public UniProgTest
@@ -33,6 +41,8 @@ private Q_SLOTS:
     void answersAreExpanded_data();
     void answersAreExpanded();
     void anAnswerNeverGrowsPastItsLimit();
+    void bytesOfAServerAreSorted_data();
+    void bytesOfAServerAreSorted();
     void memoryMapsAreRead_data();
     void memoryMapsAreRead();
 
@@ -43,15 +53,27 @@ private Q_SLOTS:
     void progressRisesToTheEnd();
     void withoutATargetNothingIsDone();
     void whatAServerLacksIsNotSupported();
+    void whatComesBeforeAnAnswerIsSkipped_data();
+    void whatComesBeforeAnAnswerIsSkipped();
+    void aRejectedPacketIsSentAgain();
+    void acknowledgementsEndWhereTheServerAgrees();
+    void packetsFitTheServer();
+    void aRunningTargetIsHaltedForTheNextOperation();
     void aHostileServerEndsInAStatus_data();
     void aHostileServerEndsInAStatus();
+    void everyOperationSurvivesItsServer_data();
+    void everyOperationSurvivesItsServer();
+    void aServerThatDoesNotAcceptIsSilent();
     void noServerIsNoDevice();
+    void aDriverServesOneThreadAfterAnother();
+    void proceduresOfTheLibraryFollowEachOther();
+    void firmwareUpdatesAreNotSupported();
     void anEmulatedChipRunsWhatWasWritten();
 };
 
 namespace {
 
-constexpr int ShortAnswerTimeout = 300; // ms
+constexpr int ShortAnswerTimeout = 200; // ms; only where the answer never comes
 constexpr int LongWait = 60000;
 constexpr int ManyBytes = 600;
 
@@ -85,15 +107,39 @@ QByteArray mapOf(const char *start, const char *length, const char *blockSize)
         + "\"><property name=\"blocksize\">" + blockSize + "</property></memory></memory-map>";
 }
 
+/// A server that says OK to its first commands since it was armed and then what a test wants.
+struct HostileServer
+{
+    explicit HostileServer(const GdbServer::Reply &hostileReply, int goodCommandCount)
+        : reply(hostileReply)
+        , goodCommands(goodCommandCount)
+        , server([this](GdbServer &usual, const QByteArray &command) {
+            return armed && goodCommands-- <= 0 ? reply : usual.answer(command);
+        })
+    { }
+
+    const GdbServer::Reply reply;
+    std::atomic<int> goodCommands;
+    std::atomic<bool> armed{false};
+    GdbServer server;
+};
+
+/// How many commands of the server started with @p prefix.
+int countOf(const GdbServer &server, const QByteArray &prefix)
+{
+    const QByteArrayList commands = server.commands();
+    return int(std::count_if(commands.cbegin(), commands.cend(),
+                             [&](const QByteArray &command) { return command.startsWith(prefix); }));
+}
+
+const QByteArray Garbage(5 * GdbPacket::MaximumSize, '\0');
+
 } // namespace
 
 void tst_GdbRemote::packetsHaveAChecksum()
 {
     QCOMPARE(GdbPacket::frame("OK"), QByteArray("$OK#9a"));
     QCOMPARE(GdbPacket::frame(""), QByteArray("$#00"));
-    QVERIFY(GdbPacket::isChecksum("9A", "OK"));
-    QVERIFY(!GdbPacket::isChecksum("9b", "OK"));
-    QVERIFY(!GdbPacket::isChecksum("xx", "OK"));
     const QByteArray special("a$#}*z");
     QCOMPARE(GdbPacket::escape(special), QByteArray("a}\x04}\x03}]}\nz"));
     QByteArray back;
@@ -134,28 +180,102 @@ void tst_GdbRemote::anAnswerNeverGrowsPastItsLimit()
     QVERIFY(body.size() < 2 * GdbPacket::MaximumSize);
 }
 
+void tst_GdbRemote::bytesOfAServerAreSorted_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QByteArray>("sorted"); // + and - stand for themselves, answers in brackets
+    QTest::addColumn<QByteArray>("rest");
+    const auto row = [](const char *name, const QByteArray &bytes, const QByteArray &sorted,
+                        const QByteArray &rest = {}) { QTest::newRow(name) << bytes << sorted << rest; };
+    row("an answer", "+$OK#9a", "+(OK)");
+    row("capital digits", "$OK#9A", "(OK)");
+    row("the empty answer", "+$#00", "+()");
+    row("two answers", '+' + GdbPacket::frame("O41") + GdbPacket::frame("OK"), "+(O41)(OK)");
+    row("a rejection", "-", "-");
+    row("a damaged answer", "$OK#9b", "!");
+    row("no checksum", "$OK#xx", "!");
+    row("intact nonsense", "$* #4a", "?");
+    row("a notification", "%log:+-%#00+$OK#9a", "+(OK)");
+    row("a damaged notification", "%log:x#zz+", "+");
+    row("other bytes", "xyz\x03+abc$OK#9a", "+(OK)");
+    row("begun again", "$abc$OK#9a", "(OK)");
+    row("without its end", "+$OK", "+", "$OK");
+    row("without its checksum", "$OK#9", "", "$OK#9");
+    row("a notification without its end", "%log", "", "%log");
+    row("marks in an answer", GdbPacket::frame("+-%"), "(+-%)");
+}
+
+/// The same whether the bytes come at once or one by one.
+void tst_GdbRemote::bytesOfAServerAreSorted()
+{
+    QFETCH(const QByteArray, bytes);
+    QFETCH(const QByteArray, sorted);
+    const auto takeAll = [](QByteArray *received, QByteArray *found) {
+        for (;;) {
+            QByteArray body;
+            switch (GdbPacket::take(received, &body)) {
+            case GdbPacket::Kind::Nothing:
+                return;
+            case GdbPacket::Kind::Acknowledgement:
+                *found += '+';
+                break;
+            case GdbPacket::Kind::Rejection:
+                *found += '-';
+                break;
+            case GdbPacket::Kind::Answer:
+                *found += '(' + body + ')';
+                break;
+            case GdbPacket::Kind::DamagedAnswer:
+                *found += '!';
+                break;
+            case GdbPacket::Kind::Nonsense:
+                *found += '?';
+                break;
+            }
+        }
+    };
+    QByteArray received = bytes;
+    QByteArray found;
+    takeAll(&received, &found);
+    QCOMPARE(found, sorted);
+    QTEST(received, "rest");
+
+    received.clear();
+    found.clear();
+    for (const char byte : bytes) {
+        received += byte;
+        takeAll(&received, &found);
+    }
+    QCOMPARE(found, sorted);
+    QTEST(received, "rest");
+}
+
 void tst_GdbRemote::memoryMapsAreRead_data()
 {
     QTest::addColumn<QByteArray>("xml");
-    QTest::addColumn<int>("regions");
+    QTest::addColumn<int>("regions"); // -1: not believed
+    QTest::newRow("no flash") << QByteArray("<memory-map><memory type=\"ram\" start=\"0\" length=\"1\"/></memory-map>")
+                              << 0;
     QTest::newRow("flash and memory") << MapWithFlash << 1;
-    QTest::newRow("empty") << QByteArray() << 0;
-    QTest::newRow("cut off") << MapWithFlash.chopped(20) << 0;
-    QTest::newRow("no XML") << QByteArray("garbage") << 0;
-    QTest::newRow("no sectors") << mapOf("0", "0x1000", "0") << 0;
-    QTest::newRow("sectors that do not fit") << mapOf("0", "0x1000", "0x300") << 0;
-    QTest::newRow("past the end") << mapOf("0xFFFFFC00", "0x800", "0x400") << 0;
+    QTest::newRow("empty") << QByteArray() << -1;
+    QTest::newRow("cut off") << MapWithFlash.chopped(20) << -1;
+    QTest::newRow("no XML") << QByteArray("garbage") << -1;
+    QTest::newRow("no sectors") << mapOf("0", "0x1000", "0") << -1;
+    QTest::newRow("sectors that do not fit") << mapOf("0", "0x1000", "0x300") << -1;
+    QTest::newRow("past the end") << mapOf("0xFFFFFC00", "0x800", "0x400") << -1;
     QTest::newRow("up to the end") << mapOf("0xFFFFFC00", "0x400", "0x400") << 1;
-    QTest::newRow("too large") << mapOf("0", "0x10000000", "0x1000") << 0;
-    QTest::newRow("too many sectors") << mapOf("0", "0x4000000", "1") << 0;
-    QTest::newRow("no start") << mapOf("x", "0x1000", "0x400") << 0;
+    QTest::newRow("too large") << mapOf("0", "0x10000000", "0x1000") << -1;
+    QTest::newRow("too many sectors") << mapOf("0", "0x4000000", "1") << -1;
+    QTest::newRow("no start") << mapOf("x", "0x1000", "0x400") << -1;
 }
 
 void tst_GdbRemote::memoryMapsAreRead()
 {
     QFETCH(const QByteArray, xml);
     QFETCH(const int, regions);
-    QCOMPARE(GdbMemoryMap::parse(xml).size(), qsizetype(regions));
+    QList<GdbFlashRegion> found{{1, 2, 3}};
+    QCOMPARE(GdbMemoryMap::parse(xml, &found), regions >= 0);
+    QCOMPARE(found.size(), qsizetype(std::max(regions, 0)));
 }
 
 void tst_GdbRemote::anImageIsErasedWrittenVerifiedAndRead()
@@ -199,8 +319,7 @@ void tst_GdbRemote::onlyTheSectorsOfTheImageAreErased()
 
 void tst_GdbRemote::flashCommandsAreUsedWhereTheyAreOffered()
 {
-    GdbServer *usual = nullptr;
-    GdbServer server([&usual](const QByteArray &command, int) {
+    GdbServer server([](GdbServer &usual, const QByteArray &command) {
         if (command.startsWith("qSupported"))
             return GdbServer::packet("PacketSize=400;qXfer:memory-map:read+");
         if (command.startsWith("qXfer:memory-map:read::0,"))
@@ -209,9 +328,8 @@ void tst_GdbRemote::flashCommandsAreUsedWhereTheyAreOffered()
             return GdbServer::packet('l' + MapWithFlash.mid(100));
         if (command.startsWith("vFlash"))
             return GdbServer::packet("OK");
-        return usual->answer(command);
+        return usual.answer(command);
     });
-    usual = &server;
     GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), server.port());
     QCOMPARE(connectTo(driver), int(Status::Success));
     MemoryManager image;
@@ -277,65 +395,331 @@ void tst_GdbRemote::whatAServerLacksIsNotSupported()
     QCOMPARE(driver.WiFiServerStart(), int(Status::NotSupported));
 }
 
+void tst_GdbRemote::whatComesBeforeAnAnswerIsSkipped_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::newRow("a notification with marks") << QByteArray("%log:took 3-4 s#00+");
+    QTest::newRow("an old answer") << GdbPacket::frame("T05thread:p1.-1;") + '+';
+    QTest::newRow("something printed") << '+' + GdbPacket::frame("O4142");
+    QTest::newRow("nothing printed") << '+' + GdbPacket::frame("O");
+    QTest::newRow("a damaged answer") << QByteArray("+$OK#00");
+    QTest::newRow("a second acknowledgement") << QByteArray("++");
+    QTest::newRow("a late rejection") << QByteArray("+-");
+    QTest::newRow("noise") << QByteArray("\r\nhello\x03+");
+}
+
+void tst_GdbRemote::whatComesBeforeAnAnswerIsSkipped()
+{
+    QFETCH(const QByteArray, before);
+    HostileServer talkative({before + GdbPacket::frame("OK")}, 0);
+    GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), talkative.server.port());
+    QCOMPARE(connectTo(driver), int(Status::Success));
+    talkative.armed = true;
+    MemoryManager image = smallImage();
+    QCOMPARE(driver.WriteTarget(&image, 0), int(Status::Success));
+    QCOMPARE(countOf(talkative.server, "M400,"), 1);
+}
+
+void tst_GdbRemote::aRejectedPacketIsSentAgain()
+{
+    int rejections = 0;
+    GdbServer server([&](GdbServer &usual, const QByteArray &command) {
+        return command.startsWith("M400,") && rejections++ < 2 ? GdbServer::Reply{"-"} : usual.answer(command);
+    });
+    GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), server.port());
+    QCOMPARE(connectTo(driver), int(Status::Success));
+    MemoryManager image = smallImage();
+    QCOMPARE(driver.WriteTarget(&image, 0), int(Status::Success));
+    QCOMPARE(countOf(server, "M400,"), 3);
+}
+
+void tst_GdbRemote::acknowledgementsEndWhereTheServerAgrees()
+{
+    std::atomic<bool> agreed{false};
+    GdbServer server([&](GdbServer &usual, const QByteArray &command) {
+        if (command.startsWith("qSupported"))
+            return GdbServer::packet("PacketSize=400;QStartNoAckMode+");
+        if (command == "QStartNoAckMode") {
+            agreed = true;
+            return GdbServer::packet("OK");
+        }
+        GdbServer::Reply reply = usual.answer(command);
+        if (agreed)
+            reply.bytes.remove(0, 1);
+        return reply;
+    });
+    GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), server.port());
+    QCOMPARE(connectTo(driver), int(Status::Success));
+    MemoryManager image = smallImage();
+    QCOMPARE(driver.WriteTarget(&image, 0), int(Status::Success));
+    QCOMPARE(server.acknowledgements(), qsizetype(2)); // of the features and of the agreement
+    driver.Disconnect();
+    agreed = false;
+    QCOMPARE(connectTo(driver), int(Status::Success)); // where everything is acknowledged again, at first
+}
+
+void tst_GdbRemote::packetsFitTheServer()
+{
+    constexpr int Limit = 0x60;
+    GdbServer server([&](GdbServer &usual, const QByteArray &command) {
+        return command.startsWith("qSupported") ? GdbServer::packet("PacketSize=60") : usual.answer(command);
+    });
+    GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), server.port());
+    QCOMPARE(connectTo(driver), int(Status::Success));
+    MemoryManager image = smallImage();
+    bool verified = false;
+    QCOMPARE(driver.WriteTarget(&image, 0), int(Status::Success));
+    QCOMPARE(driver.VerifyTarget(&image, &verified, 0), int(Status::Success));
+    QVERIFY(verified);
+    const QByteArrayList commands = server.commands();
+    for (const QByteArray &command : commands)
+        QVERIFY2(GdbPacket::frame(command).size() <= Limit, command.constData());
+}
+
+void tst_GdbRemote::aRunningTargetIsHaltedForTheNextOperation()
+{
+    GdbServer server([](GdbServer &usual, const QByteArray &command) {
+        GdbServer::Reply reply = usual.answer(command);
+        if (command == GdbServer::Interrupt)
+            reply.bytes.prepend(GdbPacket::frame("O4142")); // what the target has printed meanwhile
+        return reply;
+    });
+    GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), server.port());
+    QCOMPARE(connectTo(driver), int(Status::Success));
+    QCOMPARE(driver.ResetTarget(0), int(Status::Success));
+    bool flag = false;
+    QCOMPARE(driver.DetectTarget(&flag), int(Status::Success));
+    QVERIFY(flag);
+    QCOMPARE(driver.DisconnectFromTarget(), int(Status::Success));
+    const QByteArrayList commands = server.commands();
+    QCOMPARE(commands.mid(commands.size() - 4), QByteArrayList({"c", GdbServer::Interrupt, "me000ed00,4", "c"}));
+}
+
 void tst_GdbRemote::aHostileServerEndsInAStatus_data()
 {
     QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<bool>("close");
+    QTest::addColumn<GdbServer::Then>("then");
     QTest::addColumn<int>("status");
-    const auto row = [](const char *name, const QByteArray &bytes, bool close, int status) {
-        QTest::newRow(name) << bytes << close << status;
+    using Then = GdbServer::Then;
+    const auto row = [](const char *name, const QByteArray &bytes, Then then, int status) {
+        QTest::newRow(name) << bytes << then << status;
     };
-    row("goes away", {}, true, Status::ServerClosed);
-    row("goes away in the middle of an answer", "+$O", true, Status::ServerClosed);
-    row("never answers", {}, false, Status::ServerSilent);
-    row("acknowledges and never answers", "+", false, Status::ServerSilent);
-    row("never ends its answer", "+$OK", false, Status::ServerSilent);
-    row("an error", GdbServer::packet("E14").bytes, false, Status::ServerRefused);
-    row("an error with a text", GdbServer::packet("E.no flash").bytes, false, Status::ServerRefused);
-    row("does not know the command", GdbServer::packet("").bytes, false, Status::ServerRefused);
-    row("another answer", GdbServer::packet("T05").bytes, false, Status::ServerUnintelligible);
-    row("a wrong checksum, again and again", QByteArray("+$OK#00$OK#00$OK#00"), false, Status::ServerUnintelligible);
-    row("refuses every packet", QByteArray("---"), false, Status::ServerUnintelligible);
-    row("an answer too long", "+$" + QByteArray(2 * GdbPacket::MaximumSize, 'x'), false, Status::ServerUnintelligible);
-    row("garbage", QByteArray(2 * GdbPacket::MaximumSize, '\0'), false, Status::ServerUnintelligible);
-    row("a damaged run", GdbServer::packet("* ").bytes, false, Status::ServerUnintelligible);
+    row("goes away", {}, Then::Close, Status::ServerClosed);
+    row("goes away in the middle of an answer", "+$O", Then::Close, Status::ServerClosed);
+    row("never answers", {}, Then::Listen, Status::ServerSilent);
+    row("acknowledges and never answers", "+", Then::Listen, Status::ServerSilent);
+    row("never ends its answer", "+$OK", Then::Listen, Status::ServerSilent);
+    row("an error", GdbServer::packet("E14").bytes, Then::Listen, Status::ServerRefused);
+    row("an error with a text", GdbServer::packet("E.no flash").bytes, Then::Listen, Status::ServerRefused);
+    row("does not know the command", GdbServer::packet("").bytes, Then::Listen, Status::ServerRefused);
+    row("another answer", GdbServer::packet("T05").bytes, Then::Listen, Status::ServerUnintelligible);
+    row("a wrong checksum, again and again", QByteArray("+$OK#00$OK#00$OK#00"), Then::Listen,
+        Status::ServerUnintelligible);
+    row("refuses every packet", QByteArray("---"), Then::Listen, Status::ServerUnintelligible);
+    row("an answer too long", "+$" + QByteArray(2 * GdbPacket::MaximumSize, 'x'), Then::Listen,
+        Status::ServerUnintelligible);
+    row("garbage", Garbage, Then::Listen, Status::ServerUnintelligible);
+    row("prints without an end", '+' + GdbPacket::frame("O41").repeated(GdbPacket::MaximumSize), Then::Listen,
+        Status::ServerUnintelligible);
+    row("sends a byte now and then, for ever", "+", Then::Dribble, Status::ServerSilent);
+    row("sends an answer that never ends", "+$", Then::Dribble, Status::ServerSilent);
+    row("a damaged run", GdbServer::packet("* ").bytes, Then::Listen, Status::ServerUnintelligible);
 }
 
 void tst_GdbRemote::aHostileServerEndsInAStatus()
 {
     QFETCH(const QByteArray, bytes);
-    QFETCH(const bool, close);
+    QFETCH(const GdbServer::Then, then);
     QFETCH(const int, status);
-    GdbServer *usual = nullptr;
-    GdbServer server([&](const QByteArray &command, int) {
-        // The first part of the write goes well.
-        const bool inWrite = command.startsWith('M') && !command.startsWith("M400,");
-        return inWrite ? GdbServer::Reply{bytes, close} : usual->answer(command);
-    });
-    usual = &server;
-    GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), server.port());
-    driver.setAnswerTimeout(ShortAnswerTimeout);
+    HostileServer hostile({bytes, then}, 1);
+    GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), hostile.server.port());
     QCOMPARE(connectTo(driver), int(Status::Success));
+    hostile.armed = true;
+    if (status == Status::ServerSilent)
+        driver.setAnswerTimeout(ShortAnswerTimeout);
     MemoryManager image = smallImage();
     QCOMPARE(driver.WriteTarget(&image, 0), status);
+    hostile.armed = false;
+    driver.setAnswerTimeout(GdbTarget::DefaultTimeout);
     // The end of the procedure goes the usual way, without waiting for a server that is in doubt.
-    driver.ResetTarget(0);
+    QCOMPARE(driver.ResetTarget(0),
+             int(status == Status::ServerRefused || bytes == GdbServer::packet("T05").bytes ? Status::Success
+                                                                                            : Status::ServerClosed));
     QCOMPARE(driver.DisconnectFromTarget(), int(Status::Success));
     QCOMPARE(driver.Disconnect(), int(Status::Success));
     QCOMPARE(connectTo(driver), int(Status::Success)); // and the next operation has a fresh start
 }
 
+void tst_GdbRemote::everyOperationSurvivesItsServer_data()
+{
+    QTest::addColumn<QByteArray>("operation");
+    QTest::addColumn<int>("goodCommands");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<GdbServer::Then>("then");
+    QTest::addColumn<int>("status");
+    using Then = GdbServer::Then;
+    const auto row = [](const char *operation, int goodCommands, const char *behaviour, const QByteArray &bytes,
+                        Then then, int status) {
+        QTest::addRow("%s, after %d commands: %s", operation, goodCommands, behaviour)
+            << QByteArray(operation) << goodCommands << bytes << then << status;
+    };
+    const auto rows = [&](const char *operation, int goodCommands) {
+        row(operation, goodCommands, "goes away", {}, Then::Close, Status::ServerClosed);
+        row(operation, goodCommands, "goes away in an answer", "+$0", Then::Close, Status::ServerClosed);
+        row(operation, goodCommands, "garbage", Garbage, Then::Listen, Status::ServerUnintelligible);
+        row(operation, goodCommands, "never answers", {}, Then::Listen, Status::ServerSilent);
+    };
+    const auto wrongAnswers = [&](const char *operation, int goodCommands) {
+        row(operation, goodCommands, "error", GdbServer::packet("E01").bytes, Then::Listen, Status::ServerRefused);
+        row(operation, goodCommands, "another answer", GdbServer::packet("zz").bytes, Then::Listen,
+            Status::ServerUnintelligible);
+        row(operation, goodCommands, "too short an answer", GdbServer::packet("0").bytes, Then::Listen,
+            Status::ServerUnintelligible);
+    };
+    rows("connect", 0);
+    rows("connect target", 0);
+    rows("connect target", 1); // asks for the flash of the chip
+    rows("detect", 0);
+    row("detect", 0, "error", GdbServer::packet("E01").bytes, Then::Listen, Status::Success); // no such register
+    for (const char *operation : {"read", "verify", "blank check", "erase", "erase sectors"}) {
+        rows(operation, 1);
+        wrongAnswers(operation, 1);
+    }
+    rows("reset", 0);
+    wrongAnswers("reset", 0);
+    // Continuing has no answer, only an acknowledgement.
+    row("reset", 1, "goes away", {}, Then::Close, Status::ServerClosed);
+    row("reset", 1, "garbage", Garbage, Then::Listen, Status::ServerUnintelligible);
+    row("reset", 1, "never answers", {}, Then::Listen, Status::ServerSilent);
+}
+
+void tst_GdbRemote::everyOperationSurvivesItsServer()
+{
+    QFETCH(const QByteArray, operation);
+    QFETCH(const int, goodCommands);
+    QFETCH(const QByteArray, bytes);
+    QFETCH(const GdbServer::Then, then);
+    QFETCH(const int, status);
+    MemoryManager image = smallImage();
+    bool flag = true;
+    const QHash<QByteArray, std::function<int(GdbRemoteDriver &)>> operations{
+        {"connect", [](GdbRemoteDriver &driver) { return driver.Connect(OPERATION_TYPE_DEBUG); }},
+        {"connect target", [](GdbRemoteDriver &driver) { return driver.ConnectToTarget(1); }},
+        {"detect", [&](GdbRemoteDriver &driver) { return driver.DetectTarget(&flag); }},
+        {"read", [&](GdbRemoteDriver &driver) { return driver.ReadTarget(&image); }},
+        {"verify", [&](GdbRemoteDriver &driver) { return driver.VerifyTarget(&image, &flag, 0); }},
+        {"blank check", [&](GdbRemoteDriver &driver) { return driver.CheckTargetBlank(&flag, false); }},
+        {"erase", [](GdbRemoteDriver &driver) { return driver.EraseTargetMass(); }},
+        {"erase sectors", [&](GdbRemoteDriver &driver) { return driver.EraseTarget(&image); }},
+        {"reset", [](GdbRemoteDriver &driver) { return driver.ResetTarget(0); }},
+    };
+    HostileServer hostile({bytes, then}, goodCommands);
+    GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), hostile.server.port());
+    if (operation == "connect target")
+        QCOMPARE(driver.Connect(OPERATION_TYPE_DEBUG), int(Status::Success));
+    else if (operation != "connect")
+        QCOMPARE(connectTo(driver), int(Status::Success));
+    hostile.armed = true;
+    if (status == Status::ServerSilent)
+        driver.setAnswerTimeout(ShortAnswerTimeout);
+    QCOMPARE(operations.value(operation)(driver), status);
+    if (operation == "detect" || operation == "verify" || operation == "blank check")
+        QVERIFY(!flag);
+    hostile.armed = false;
+    QCOMPARE(driver.DisconnectFromTarget(), int(Status::Success));
+    QCOMPARE(driver.Disconnect(), int(Status::Success));
+    driver.setAnswerTimeout(GdbTarget::DefaultTimeout);
+    QCOMPARE(connectTo(driver), int(Status::Success));
+}
+
+/// The system takes the connection before anybody accepts it.
+void tst_GdbRemote::aServerThatDoesNotAcceptIsSilent()
+{
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), server.serverPort());
+    driver.setAnswerTimeout(ShortAnswerTimeout);
+    QCOMPARE(driver.Connect(OPERATION_TYPE_DEBUG), int(Status::ServerSilent));
+    QCOMPARE(driver.ConnectToTarget(0), int(Status::ServerClosed));
+}
+
 void tst_GdbRemote::noServerIsNoDevice()
 {
-    quint16 port = 0;
-    {
-        QTcpServer nobody;
-        QVERIFY(nobody.listen(QHostAddress::LocalHost));
-        port = nobody.serverPort();
-    }
-    GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), port);
+    QTcpSocket nobody; // has a port, at which it does not listen
+    QVERIFY(nobody.bind(QHostAddress::LocalHost));
+    GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), nobody.localPort());
     QCOMPARE(driver.Connect(OPERATION_TYPE_DEBUG), int(Status::ServerUnreachable));
     QCOMPARE(driver.DetectTarget(nullptr), int(Status::WrongArgument));
+}
+
+/// Also after a failure, which nobody disconnects.
+void tst_GdbRemote::aDriverServesOneThreadAfterAnother()
+{
+    std::atomic<bool> mapIsBad{true};
+    GdbServer server([&](GdbServer &usual, const QByteArray &command) {
+        if (command.startsWith("qSupported"))
+            return GdbServer::packet("qXfer:memory-map:read+");
+        if (command.startsWith("qXfer"))
+            return GdbServer::packet(mapIsBad ? "x" : 'l' + MapWithFlash);
+        return usual.answer(command);
+    });
+    GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), server.port());
+    const auto inItsOwnThread = [](const std::function<void()> &work) {
+        const std::unique_ptr<QThread> thread(QThread::create(work));
+        thread->start();
+        return thread->wait(LongWait);
+    };
+    int status = -1;
+    QVERIFY(inItsOwnThread([&] { status = driver.Connect(OPERATION_TYPE_DEBUG); }));
+    QCOMPARE(status, int(Status::ServerUnintelligible));
+    QCOMPARE(driver.ResetTarget(0), int(Status::ServerClosed)); // nothing of that thread is left
+    mapIsBad = false;
+    for (int i = 0; i < 2; ++i) {
+        QVERIFY(inItsOwnThread([&] {
+            status = connectTo(driver);
+            driver.DisconnectFromTarget();
+            driver.Disconnect();
+        }));
+        QCOMPARE(status, int(Status::Success));
+    }
+}
+
+void tst_GdbRemote::proceduresOfTheLibraryFollowEachOther()
+{
+    GdbServer server;
+    GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), server.port());
+    UtilsUniProgThread thread(&driver, nullptr);
+    QSignalSpy completed(&thread, &UtilsUniProgThread::SignalProcedureCompleted);
+    const auto finishes = [&](int count) {
+        return QTest::qWaitFor([&] { return completed.size() == count && !thread.IsProcedureInProgress(); }, LongWait)
+            && completed.constLast().at(0).toInt() == Status::Success;
+    };
+    thread.EraseTargetMass();
+    QVERIFY(finishes(1));
+    bool blank = false;
+    thread.CheckTargetBlank(&blank);
+    QVERIFY(finishes(2));
+    QVERIFY(blank);
+    bool detected = false;
+    thread.DetectTarget(&detected);
+    QVERIFY(finishes(3));
+    QVERIFY(detected);
+}
+
+void tst_GdbRemote::firmwareUpdatesAreNotSupported()
+{
+    GdbServer server;
+    ProgrammerSession session(ProgrammerSession::Driver::Simulated,
+                              std::make_unique<GdbRemoteDriver>(QStringLiteral("127.0.0.1"), server.port()));
+    QSignalSpy completed(&session, &ProgrammerSession::completed);
+    for (const ProgrammerSession::Operation operation :
+         {ProgrammerSession::Operation::EnterBootloader, ProgrammerSession::Operation::ResetPowerModule}) {
+        completed.clear();
+        session.start(operation);
+        QTRY_COMPARE_WITH_TIMEOUT(completed.size(), qsizetype(1), LongWait);
+        QCOMPARE(completed.constFirst().at(1).toInt(), int(Status::NotSupported));
+        QTRY_VERIFY(!session.thread().IsProcedureInProgress());
+    }
 }
 
 /// The whole road: the library, its dialog and the driver write a real image to an empty chip, which then speaks.
@@ -345,12 +729,6 @@ void tst_GdbRemote::anEmulatedChipRunsWhatWasWritten()
     if (emulator.isEmpty())
         QSKIP("qemu-system-arm is not installed, so there is no chip to be emulated.");
     QTemporaryDir folder;
-    quint16 port = 0;
-    {
-        QTcpServer probe;
-        QVERIFY(probe.listen(QHostAddress::LocalHost));
-        port = probe.serverPort();
-    }
     const QString serial = folder.filePath(QStringLiteral("serial.txt"));
     QProcess chip;
     const auto endChip = qScopeGuard([&chip] {
@@ -361,18 +739,22 @@ void tst_GdbRemote::anEmulatedChipRunsWhatWasWritten()
                {QStringLiteral("-M"), QStringLiteral("microbit"), QStringLiteral("-display"), QStringLiteral("none"),
                 QStringLiteral("-monitor"), QStringLiteral("stdio"), QStringLiteral("-serial"),
                 QStringLiteral("file:") + serial, QStringLiteral("-S"), QStringLiteral("-gdb"),
-                QStringLiteral("tcp:127.0.0.1:%1").arg(port)});
+                QStringLiteral("tcp:127.0.0.1:0")});
     QVERIFY(chip.waitForStarted());
-    // The emulator serves one client and no probe: its prompt says that it listens.
-    QByteArray console;
-    QTRY_VERIFY_WITH_TIMEOUT((console += chip.readAllStandardOutput()).contains("(qemu)"), LongWait);
+    // The emulator chooses a free port; it serves one client and no probe, and says where it listens.
+    chip.write("info chardev\n");
+    QString console;
+    const QRegularExpression listening(QStringLiteral("disconnected:tcp:127\\.0\\.0\\.1:(\\d+),"));
+    QTRY_VERIFY_WITH_TIMEOUT((console += QString::fromLatin1(chip.readAllStandardOutput())).contains(listening),
+                             LongWait);
+    const quint16 port = listening.match(console).captured(1).toUShort();
 
     MemoryManager image;
     QString error;
     QVERIFY2(
         FirmwareFile::load(QStringLiteral("/usr/share/firmware-microbit-micropython/firmware.hex"), 0, &image, &error),
         qPrintable(error));
-    // The emulator drops what a debugger writes to these registers, and says OK.
+    // The emulator drops what a debugger writes to these registers, and says OK; a reset empties them, too.
     image.remove(GdbServer::UserConfiguration, GdbServer::PageSize);
     GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), port);
     driver.GetTargetDescriptor()->getOperationOptions()->setIntValue(TargetOptionsOperation::VerifyAfterWrite, 1);
