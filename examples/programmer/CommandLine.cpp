@@ -285,6 +285,12 @@ bool readPasswords(const QCommandLineParser &parser, CommandLine *commandLine, Q
         || readPasswordFile(parser.value(DevicePasswordFileOption), &commandLine->devicePassword, error);
 }
 
+bool needsSimulation(const CommandLine &commandLine)
+{
+    return commandLine.compare || !commandLine.faults.isEmpty() || !commandLine.hasDriver || commandLine.overWiFi
+        || !commandLine.devicePassword.isEmpty() || commandLine.speed != CommandLine().speed;
+}
+
 } // namespace
 
 bool readCommandLine(const QStringList &arguments, CommandLine *commandLine, QString *error)
@@ -331,8 +337,9 @@ bool readCommandLine(const QStringList &arguments, CommandLine *commandLine, QSt
 
 bool applySettings(const CommandLine &commandLine, ProgrammerSession *session, QString *error)
 {
-    if (!session->isSimulated() && (commandLine.compare || !commandLine.faults.isEmpty())) {
-        *error = QStringLiteral("Only the simulated programmer can fail on demand, or be compared with the image.");
+    if (!session->isSimulated() && needsSimulation(commandLine)) {
+        *error = QStringLiteral("Only the simulated programmer can be missing, fail on demand, be compared with the "
+                                "image, have another speed, or be reached by WiFi.");
         return false;
     }
     session->programmer().setTimeScale(commandLine.speed == 0 ? 0 : 1 / commandLine.speed);

@@ -1,5 +1,7 @@
 #include "GdbServer.h"
 
+#include <CommandLine.h>
+#include <DriverChoice.h>
 #include <FirmwareFile.h>
 #include <GdbMemoryMap.h>
 #include <GdbPacket.h>
@@ -67,6 +69,12 @@ private Q_SLOTS:
     void noServerIsNoDevice();
     void aDriverServesOneThreadAfterAnother();
     void proceduresOfTheLibraryFollowEachOther();
+    void driversAreChosenByText_data();
+    void driversAreChosenByText();
+    void hostsHaveNamesAndAddresses_data();
+    void hostsHaveNamesAndAddresses();
+    void whatOnlyTheSimulatorDoesIsRefused_data();
+    void whatOnlyTheSimulatorDoesIsRefused();
     void firmwareUpdatesAreNotSupported();
     void anEmulatedChipRunsWhatWasWritten();
 };
@@ -704,6 +712,78 @@ void tst_GdbRemote::proceduresOfTheLibraryFollowEachOther()
     thread.DetectTarget(&detected);
     QVERIFY(finishes(3));
     QVERIFY(detected);
+}
+
+void tst_GdbRemote::driversAreChosenByText_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("valid");
+    for (const char *valid : {"gdb:localhost:3333", "gdb:127.0.0.1:65535", "gdb:::1:3333", "gdb:[::1]:3333"})
+        QTest::newRow(valid) << QString::fromLatin1(valid) << true;
+    for (const char *invalid : {"gdb", "gdb:", "gdb::", "gdb:localhost", "gdb::3333", "gdb:[]:3333", "gdb:[::1:3333",
+                                "gdb:localhost:", "gdb:localhost:0", "gdb:localhost:70000", "gdb:localhost:-1",
+                                "gdb:localhost:x", "usb:localhost:3333", "localhost:3333"})
+        QTest::newRow(invalid) << QString::fromLatin1(invalid) << false;
+}
+
+void tst_GdbRemote::driversAreChosenByText()
+{
+    QFETCH(const QString, text);
+    QFETCH(const bool, valid);
+    std::unique_ptr<UniProgInterface> driver;
+    QString error;
+    QCOMPARE(DriverChoice::create(text, &driver, &error), valid);
+    QCOMPARE(driver != nullptr, valid);
+    QCOMPARE(error.contains(text), !valid);
+}
+
+void tst_GdbRemote::hostsHaveNamesAndAddresses_data()
+{
+    QTest::addColumn<QString>("host");
+    QTest::addColumn<QHostAddress>("address");
+    QTest::newRow("a name") << QStringLiteral("localhost") << QHostAddress(QHostAddress::LocalHost);
+    QTest::newRow("IPv4") << QStringLiteral("127.0.0.1") << QHostAddress(QHostAddress::LocalHost);
+    QTest::newRow("IPv6") << QStringLiteral("::1") << QHostAddress(QHostAddress::LocalHostIPv6);
+    QTest::newRow("IPv6 in brackets") << QStringLiteral("[::1]") << QHostAddress(QHostAddress::LocalHostIPv6);
+}
+
+void tst_GdbRemote::hostsHaveNamesAndAddresses()
+{
+    QFETCH(const QString, host);
+    QFETCH(const QHostAddress, address);
+    GdbServer server({}, address);
+    if (server.port() == 0)
+        QSKIP("This machine does not have that kind of address.");
+    std::unique_ptr<UniProgInterface> driver;
+    QString error;
+    QVERIFY(DriverChoice::create(QStringLiteral("gdb:%1:%2").arg(host).arg(server.port()), &driver, &error));
+    QCOMPARE(driver->Connect(OPERATION_TYPE_DEBUG), int(Status::Success));
+}
+
+void tst_GdbRemote::whatOnlyTheSimulatorDoesIsRefused_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("a fault") << QStringList{QStringLiteral("--fault"), QStringLiteral("device-connect=38")};
+    QTest::newRow("a comparison") << QStringList{QStringLiteral("--compare"), QStringLiteral("--image"),
+                                                 QStringLiteral("image.hex")};
+    QTest::newRow("WiFi") << QStringList{QStringLiteral("--wifi")};
+    QTest::newRow("a missing driver") << QStringList{QStringLiteral("--no-driver")};
+    QTest::newRow("another speed") << QStringList{QStringLiteral("--speed"), QStringLiteral("2")};
+}
+
+void tst_GdbRemote::whatOnlyTheSimulatorDoesIsRefused()
+{
+    QFETCH(const QStringList, arguments);
+    const QString choice = QStringLiteral("gdb:localhost:3333");
+    CommandLine commandLine;
+    QString error;
+    const QStringList all = QStringList{QStringLiteral("programmer"), QStringLiteral("--driver"), choice} + arguments;
+    QVERIFY2(readCommandLine(all, &commandLine, &error), qPrintable(error));
+    std::unique_ptr<UniProgInterface> driver;
+    QVERIFY(DriverChoice::create(commandLine.driver, &driver, &error));
+    ProgrammerSession session(ProgrammerSession::Driver::Simulated, std::move(driver));
+    QVERIFY(!applySettings(commandLine, &session, &error));
+    QVERIFY2(error.contains(QStringLiteral("Only the simulated programmer")), qPrintable(error));
 }
 
 void tst_GdbRemote::firmwareUpdatesAreNotSupported()
