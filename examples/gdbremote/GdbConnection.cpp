@@ -1,6 +1,7 @@
 #include "GdbConnection.h"
 
 #include <QDeadlineTimer>
+#include <QNetworkProxy>
 #include <QTcpSocket>
 
 namespace {
@@ -24,6 +25,7 @@ GdbConnection::Result GdbConnection::open(const QString &host, quint16 port, int
 {
     close();
     socket = std::make_unique<QTcpSocket>();
+    socket->setProxy(QNetworkProxy::NoProxy); // servers are near; to ask for a proxy may take any time
     socket->setReadBufferSize(GdbPacket::MaximumSize);
     socket->connectToHost(host, port);
     if (!socket->waitForConnected(timeout))

@@ -2,6 +2,7 @@
 
 #include <GdbPacket.h>
 
+#include <QNetworkProxy>
 #include <QTcpServer>
 #include <QTcpSocket>
 
@@ -77,6 +78,7 @@ GdbServer::Reply GdbServer::packet(const QByteArray &body)
 void GdbServer::run()
 {
     QTcpServer server;
+    server.setProxy(QNetworkProxy::NoProxy);
     if (!server.listen(listeningAddress))
         return;
     listeningPort = server.serverPort();

@@ -17,6 +17,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QHash>
+#include <QNetworkProxy>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QScopeGuard>
@@ -644,6 +645,7 @@ void tst_GdbRemote::everyOperationSurvivesItsServer()
 void tst_GdbRemote::aServerThatDoesNotAcceptIsSilent()
 {
     QTcpServer server;
+    server.setProxy(QNetworkProxy::NoProxy);
     QVERIFY(server.listen(QHostAddress::LocalHost));
     GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), server.serverPort());
     driver.setAnswerTimeout(ShortAnswerTimeout);
@@ -654,6 +656,7 @@ void tst_GdbRemote::aServerThatDoesNotAcceptIsSilent()
 void tst_GdbRemote::noServerIsNoDevice()
 {
     QTcpSocket nobody; // has a port, at which it does not listen
+    nobody.setProxy(QNetworkProxy::NoProxy);
     QVERIFY(nobody.bind(QHostAddress::LocalHost));
     GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), nobody.localPort());
     QCOMPARE(driver.Connect(OPERATION_TYPE_DEBUG), int(Status::ServerUnreachable));
@@ -697,10 +700,12 @@ void tst_GdbRemote::proceduresOfTheLibraryFollowEachOther()
     GdbServer server;
     GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), server.port());
     UtilsUniProgThread thread(&driver, nullptr);
-    QSignalSpy completed(&thread, &UtilsUniProgThread::SignalProcedureCompleted);
+    QList<int> completed;
+    connect(&thread, &UtilsUniProgThread::SignalProcedureCompleted, this,
+            [&](int status) { completed.append(status); });
     const auto finishes = [&](int count) {
         return QTest::qWaitFor([&] { return completed.size() == count && !thread.IsProcedureInProgress(); }, LongWait)
-            && completed.constLast().at(0).toInt() == Status::Success;
+            && completed.constLast() == Status::Success;
     };
     thread.EraseTargetMass();
     QVERIFY(finishes(1));
