@@ -1,8 +1,13 @@
 #include "GdbConnection.h"
 
 #include <QDeadlineTimer>
+#include <QHostInfo>
 #include <QNetworkProxy>
 #include <QTcpSocket>
+#include <QThreadPool>
+
+#include <chrono>
+#include <future>
 
 namespace {
 
@@ -15,6 +20,20 @@ int remaining(const QDeadlineTimer &deadline)
     return int(deadline.remainingTime());
 }
 
+/// None when the system does not find any in time. It cannot be told to give up: its answer is then left alone.
+QList<QHostAddress> lookUp(const QString &host, const QDeadlineTimer &deadline)
+{
+    const QHostAddress literal(host);
+    if (!literal.isNull())
+        return {literal};
+    const auto promise = std::make_shared<std::promise<QList<QHostAddress>>>();
+    std::future<QList<QHostAddress>> addresses = promise->get_future();
+    QThreadPool::globalInstance()->start(
+        [promise, host] { promise->set_value(QHostInfo::fromName(host).addresses()); });
+    const auto time = std::chrono::milliseconds(remaining(deadline));
+    return addresses.wait_for(time) == std::future_status::ready ? addresses.get() : QList<QHostAddress>();
+}
+
 } // namespace
 
 GdbConnection::GdbConnection() = default;
@@ -24,14 +43,19 @@ GdbConnection::~GdbConnection() = default;
 GdbConnection::Result GdbConnection::open(const QString &host, quint16 port, int timeout)
 {
     close();
-    socket = std::make_unique<QTcpSocket>();
-    socket->setProxy(QNetworkProxy::NoProxy); // servers are near; to ask for a proxy may take any time
-    socket->setReadBufferSize(GdbPacket::MaximumSize);
-    socket->connectToHost(host, port);
-    if (!socket->waitForConnected(timeout))
-        return fail(Result::Unreachable);
-    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // small packets take turns
-    return Result::Done;
+    const QDeadlineTimer deadline(timeout);
+    const QList<QHostAddress> addresses = lookUp(host, deadline);
+    for (const QHostAddress &address : addresses) {
+        socket = std::make_unique<QTcpSocket>();
+        socket->setProxy(QNetworkProxy::NoProxy); // servers are near; to ask for a proxy may take any time
+        socket->setReadBufferSize(GdbPacket::MaximumSize);
+        socket->connectToHost(address, port);
+        if (!socket->waitForConnected(remaining(deadline)))
+            continue;
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // small packets take turns
+        return Result::Done;
+    }
+    return fail(Result::Unreachable);
 }
 
 void GdbConnection::close()

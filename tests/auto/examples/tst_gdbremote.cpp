@@ -60,12 +60,17 @@ private Q_SLOTS:
     void whatComesBeforeAnAnswerIsSkipped();
     void aRejectedPacketIsSentAgain();
     void acknowledgementsEndWhereTheServerAgrees();
+    void packetsFitTheServer_data();
     void packetsFitTheServer();
     void aRunningTargetIsHaltedForTheNextOperation();
     void aHostileServerEndsInAStatus_data();
     void aHostileServerEndsInAStatus();
     void everyOperationSurvivesItsServer_data();
     void everyOperationSurvivesItsServer();
+    void aMemoryMapIsNotTrusted_data();
+    void aMemoryMapIsNotTrusted();
+    void flashCommandsMayFail_data();
+    void flashCommandsMayFail();
     void aServerThatDoesNotAcceptIsSilent();
     void noServerIsNoDevice();
     void aDriverServesOneThreadAfterAnother();
@@ -467,11 +472,25 @@ void tst_GdbRemote::acknowledgementsEndWhereTheServerAgrees()
     QCOMPARE(connectTo(driver), int(Status::Success)); // where everything is acknowledged again, at first
 }
 
+void tst_GdbRemote::packetsFitTheServer_data()
+{
+    QTest::addColumn<QByteArray>("size");
+    QTest::addColumn<int>("limit");
+    QTest::newRow("small") << QByteArray("60") << 0x60;
+    // What makes no sense counts as little, and what is large as enough for a kilobyte.
+    QTest::newRow("none") << QByteArray() << 64;
+    QTest::newRow("no number") << QByteArray("x") << 64;
+    QTest::newRow("nothing") << QByteArray("0") << 64;
+    QTest::newRow("past 32 bits") << QByteArray("100000000") << 64;
+    QTest::newRow("huge") << QByteArray("ffffffff") << 2 * 1024 + 32;
+}
+
 void tst_GdbRemote::packetsFitTheServer()
 {
-    constexpr int Limit = 0x60;
+    QFETCH(const QByteArray, size);
+    QFETCH(const int, limit);
     GdbServer server([&](GdbServer &usual, const QByteArray &command) {
-        return command.startsWith("qSupported") ? GdbServer::packet("PacketSize=60") : usual.answer(command);
+        return command.startsWith("qSupported") ? GdbServer::packet("PacketSize=" + size) : usual.answer(command);
     });
     GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), server.port());
     QCOMPARE(connectTo(driver), int(Status::Success));
@@ -482,7 +501,7 @@ void tst_GdbRemote::packetsFitTheServer()
     QVERIFY(verified);
     const QByteArrayList commands = server.commands();
     for (const QByteArray &command : commands)
-        QVERIFY2(GdbPacket::frame(command).size() <= Limit, command.constData());
+        QVERIFY2(GdbPacket::frame(command).size() <= limit, command.constData());
 }
 
 void tst_GdbRemote::aRunningTargetIsHaltedForTheNextOperation()
@@ -641,6 +660,71 @@ void tst_GdbRemote::everyOperationSurvivesItsServer()
     QCOMPARE(connectTo(driver), int(Status::Success));
 }
 
+void tst_GdbRemote::aMemoryMapIsNotTrusted_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<int>("status");
+    QTest::newRow("whole") << 'l' + MapWithFlash << int(Status::Success);
+    QTest::newRow("of a target without flash") << QByteArray("l<memory-map/>") << int(Status::Success);
+    QTest::newRow("none") << QByteArray("E01") << int(Status::Success);
+    QTest::newRow("damaged") << 'l' + MapWithFlash.chopped(5) << int(Status::ServerUnintelligible);
+    QTest::newRow("empty") << QByteArray("l") << int(Status::ServerUnintelligible);
+    QTest::newRow("a piece of nothing") << QByteArray("m") << int(Status::ServerUnintelligible);
+    QTest::newRow("pieces without an end") << QByteArray("m<!-- -->") << int(Status::ServerUnintelligible);
+    QTest::newRow("large pieces without an end") << 'm' + QByteArray(4000, ' ') << int(Status::ServerUnintelligible);
+    QTest::newRow("no piece") << QByteArray("x") << int(Status::ServerUnintelligible);
+}
+
+void tst_GdbRemote::aMemoryMapIsNotTrusted()
+{
+    QFETCH(const QByteArray, answer);
+    QFETCH(const int, status);
+    GdbServer server([&](GdbServer &usual, const QByteArray &command) {
+        if (command.startsWith("qSupported"))
+            return GdbServer::packet("PacketSize=1000;qXfer:memory-map:read+");
+        return command.startsWith("qXfer") ? GdbServer::packet(answer) : usual.answer(command);
+    });
+    GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), server.port());
+    QCOMPARE(connectTo(driver), status);
+}
+
+void tst_GdbRemote::flashCommandsMayFail_data()
+{
+    QTest::addColumn<QByteArray>("failing");
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<int>("status");
+    for (const char *command : {"vFlashErase", "vFlashWrite", "vFlashDone"}) {
+        QTest::addRow("%s: error", command) << QByteArray(command) << QByteArray("E01") << int(Status::ServerRefused);
+        QTest::addRow("%s: no flash", command)
+            << QByteArray(command) << QByteArray("E.memtype") << int(Status::ServerRefused);
+        QTest::addRow("%s: not known", command) << QByteArray(command) << QByteArray() << int(Status::ServerRefused);
+        QTest::addRow("%s: another answer", command)
+            << QByteArray(command) << QByteArray("S05") << int(Status::ServerUnintelligible);
+    }
+}
+
+void tst_GdbRemote::flashCommandsMayFail()
+{
+    QFETCH(const QByteArray, failing);
+    QFETCH(const QByteArray, answer);
+    QFETCH(const int, status);
+    GdbServer server([&](GdbServer &usual, const QByteArray &command) {
+        if (command.startsWith("qSupported"))
+            return GdbServer::packet("PacketSize=1000;qXfer:memory-map:read+");
+        if (command.startsWith("qXfer"))
+            return GdbServer::packet('l' + MapWithFlash);
+        if (command.startsWith("vFlash"))
+            return GdbServer::packet(command.startsWith(failing) ? answer : "OK");
+        return usual.answer(command);
+    });
+    GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), server.port());
+    QCOMPARE(connectTo(driver), int(Status::Success));
+    MemoryManager image = smallImage();
+    const int erased = driver.EraseTarget(&image);
+    QCOMPARE(erased == Status::Success ? driver.WriteTarget(&image, 0) : erased, status);
+    QCOMPARE(driver.ResetTarget(0), int(Status::Success)); // the connection is as good as before
+}
+
 /// The system takes the connection before anybody accepts it.
 void tst_GdbRemote::aServerThatDoesNotAcceptIsSilent()
 {
@@ -661,6 +745,9 @@ void tst_GdbRemote::noServerIsNoDevice()
     GdbRemoteDriver driver(QStringLiteral("127.0.0.1"), nobody.localPort());
     QCOMPARE(driver.Connect(OPERATION_TYPE_DEBUG), int(Status::ServerUnreachable));
     QCOMPARE(driver.DetectTarget(nullptr), int(Status::WrongArgument));
+    GdbRemoteDriver nowhere(QStringLiteral("no-such-host.invalid"), 3333);
+    nowhere.setAnswerTimeout(ShortAnswerTimeout);
+    QCOMPARE(nowhere.Connect(OPERATION_TYPE_DEBUG), int(Status::ServerUnreachable));
 }
 
 /// Also after a failure, which nobody disconnects.
