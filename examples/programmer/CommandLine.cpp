@@ -84,7 +84,7 @@ QStringList operationNames()
 void describeOptions(QCommandLineParser *parser)
 {
     parser->setApplicationDescription(
-        QStringLiteral("Writes, reads and checks the memory of a simulated target.\n\n"
+        QStringLiteral("Writes, reads and checks the memory of a target: a simulated one, or with --driver another.\n\n"
                        "Without --operation a window opens. With it, or with --headless, the operations run without "
                        "a display; the log goes to the standard output, and the exit code is the final status: ")
         + HeadlessRun::exitCodeHelp());
