@@ -1,5 +1,7 @@
 #include "UtilsLoggerList_p.h"
 
+#include <QLayout>
+
 #include <utility>
 
 UtilsLoggerList::UtilsLoggerList(QWidget *parent)
@@ -10,8 +12,11 @@ UtilsLoggerList::~UtilsLoggerList() = default;
 
 void UtilsLoggerList::setLineWidget(QListWidgetItem *item, QWidget *widget)
 {
+    // The base class shows the widget, and its layout would measure the text for that: the dearest part of a line.
+    widget->layout()->setEnabled(false);
     setItemWidget(item, widget);
     widget->hide(); // it has no place yet
+    widget->layout()->setEnabled(true);
 }
 
 void UtilsLoggerList::doItemsLayout()
