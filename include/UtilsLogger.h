@@ -7,11 +7,15 @@
 
 #include <QFrame>
 #include <QList>
+#include <QPersistentModelIndex>
 #include <QPointer>
+#include <QStringList>
 #include <QVariant>
 
 class QAction;
+class QListWidgetItem;
 class QScrollBar;
+class QTimer;
 class QVBoxLayout;
 class UtilsLoggerList;
 class UtilsSequentialAnimation;
@@ -19,6 +23,12 @@ class UtilsSequentialAnimation;
 /// The message pane of a long-running operation: a framed list in which each message is a line, coloured by its kind
 /// and revealed by an animation, strictly one after another. A host that closes when the work is done waits for
 /// signalLoggerAnimationsCompleted(), so that the user sees the last line.
+///
+/// A burst does not hold the event loop. Of the messages that come in one turn of it, a hundred lines are complete when
+/// the function returns. A line beyond them has its row in the list at once, and gets its UtilsLoggerLine in one of the
+/// next turns, some milliseconds' worth in each; at the line limit it may leave without ever having had one, and the
+/// oldest row stays for it until then. Whatever needs the lines themselves, such as getLoggerData(),
+/// getChildrenWidgets() and addLine(), completes those that wait first.
 ///
 /// Thread: GUI thread only; messages of worker threads come through queued connections. Ownership: the logger owns its
 /// lines. A line is deleted when it leaves at the line limit, and from the event loop after clear(); a pointer to one
@@ -37,8 +47,8 @@ public:
     explicit UtilsLogger(QWidget *parent = nullptr, int lineAnimationDuration = 400, int maxNumberOfLines = 1000);
     ~UtilsLogger() override;
 
-    /// Adds one line, its text up to the first line break, and returns it. It does not become the last line, see
-    /// appendToLastLineMessage().
+    /// Adds one line, its text up to the first line break, and returns it, complete however many there are: bursts are
+    /// for the other two. It does not become the last line, see appendToLastLineMessage().
     UtilsLoggerLine *addLine(QString text, LOGGER_MESSAGE_TYPE type);
     /// Adds one line for each part of \a text between line breaks, empty ones too. The last one becomes the last line.
     void addMessage(QString text, LOGGER_MESSAGE_TYPE type);
@@ -83,7 +93,8 @@ public:
 public Q_SLOTS:
     /// Follows the end of the list, unless the user has scrolled up.
     void moveScrollBarToBottom(int min, int max);
-    /// The last waiting line has been revealed: emits signalLoggerAnimationsCompleted().
+    /// The last reveal has ended: emits signalLoggerAnimationsCompleted(), in a burst when its last line is complete
+    /// and revealed.
     void slotLoggerAnimationsCompleted();
     /// Opens the context menu at a position in the list widget; returns when it is closed.
     void slotShowContextMenu(const QPoint &position);
@@ -106,6 +117,12 @@ private:
     void setupForm();
     void wire();
     void takeOldestLine();
+    UtilsLoggerLine *fillRow(QListWidgetItem *row, const QString &text, LOGGER_MESSAGE_TYPE type, int duration);
+    void addLastLine(const QString &text, LOGGER_MESSAGE_TYPE type);
+    void letLineWait(const QString &text, LOGGER_MESSAGE_TYPE type);
+    void completeWaitingLine();
+    void completeWaitingLines() const;
+    void continueBurst();
 
     QVBoxLayout *verticalLayout = nullptr;
     UtilsLoggerList *listWidget = nullptr;
@@ -120,6 +137,20 @@ private:
     int lastScrollMaximum = 0;
     QPointer<UtilsLoggerLine> lastLine;
     QVariant backgroundColor = 0; // the integer 0: not set
+
+    struct WaitingLine
+    {
+        QStringList texts; // what it begins with, and what was appended since
+        LOGGER_MESSAGE_TYPE type;
+        int animationDuration;
+    };
+    QList<WaitingLine> waitingLines;
+    // A waiting line has an empty row at the end of the list, or takes the place of a line at its beginning.
+    QList<QPersistentModelIndex> emptyRows;
+    qsizetype leavingRows = 0;
+    int linesInThisTurn = 0;
+    QTimer *nextTurn = nullptr;
+    bool completionIsOwed = false;
 };
 
 #endif // UTILSLOGGER_H

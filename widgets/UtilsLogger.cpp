@@ -5,11 +5,12 @@
 
 #include <QAction>
 #include <QClipboard>
+#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QScrollBar>
-#include <QStyle>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace {
@@ -17,6 +18,8 @@ namespace {
 constexpr QSize InitialSize(400, 300);
 constexpr int LayoutMargin = 6; // pixels
 constexpr QSize RowGrid(0, 19); // pixels; rows are as wide as the list
+constexpr int MaxLinesInTurn = 100; // a line costs up to 0.3 ms when another one has to leave for it
+constexpr int BurstSlice = 10; // milliseconds of each turn of the event loop, while lines wait
 
 // Nobody deletes the row that leaves the list at the line limit, see UtilsLogger::takeOldestLine().
 QListWidgetItem *newLoggerRow()
@@ -96,23 +99,32 @@ void UtilsLogger::wire()
 
     connect(listWidget, SIGNAL(customContextMenuRequested(const QPoint &)), this,
             SLOT(slotShowContextMenu(const QPoint &)));
+
+    nextTurn = new QTimer(this);
+    nextTurn->setSingleShot(true);
+    connect(nextTurn, &QTimer::timeout, this, &UtilsLogger::continueBurst);
 }
 
 UtilsLoggerLine *UtilsLogger::addLine(QString text, LOGGER_MESSAGE_TYPE type)
 {
-    QListWidgetItem *item = newLoggerRow();
+    completeWaitingLines();
+    QListWidgetItem *row = newLoggerRow();
     if (listWidget->count() == maxNumberOfLines) // equality: a limit set below the count never takes a line away
         takeOldestLine();
-    listWidget->addItem(item);
+    listWidget->addItem(row);
+    return fillRow(row, text, type, lineAnimationDuration);
+}
 
-    auto *line = new UtilsLoggerLine(this, lineAnimationDuration, item);
+UtilsLoggerLine *UtilsLogger::fillRow(QListWidgetItem *row, const QString &text, LOGGER_MESSAGE_TYPE type, int duration)
+{
+    auto *line = new UtilsLoggerLine(this, duration, row);
     if (backgroundColor != QVariant(0))
         line->setProperty("background-color", backgroundColor);
     allAnimationsCompleted = false;
     line->setSequentAnimation(lineAnimationQueue);
     line->setType(type);
     line->setText(text);
-    listWidget->setLineWidget(item, line);
+    listWidget->setLineWidget(row, line);
     return line;
 }
 
@@ -128,22 +140,101 @@ void UtilsLogger::addMessage(QString text, LOGGER_MESSAGE_TYPE type)
 {
     const QStringList parts = text.split(QLatin1Char('\n'), Qt::KeepEmptyParts);
     for (const QString &part : parts)
-        lastLine = addLine(part, type);
+        addLastLine(part, type);
 }
 
 void UtilsLogger::addSingleLineMessage(QString text, LOGGER_MESSAGE_TYPE type)
 {
-    lastLine = addLine(text, type);
+    addLastLine(text, type);
 }
 
 void UtilsLogger::appendToLastLineMessage(QString text)
 {
-    if (lastLine)
+    if (!waitingLines.isEmpty())
+        waitingLines.last().texts.append(text);
+    else if (lastLine)
         lastLine->appendText(text);
+}
+
+void UtilsLogger::addLastLine(const QString &text, LOGGER_MESSAGE_TYPE type)
+{
+    if (!nextTurn->isActive())
+        nextTurn->start();
+    if (waitingLines.isEmpty() && linesInThisTurn < MaxLinesInTurn) {
+        ++linesInThisTurn;
+        lastLine = addLine(text, type);
+    } else {
+        letLineWait(text, type);
+    }
+}
+
+// Whatever the list says of its rows is as if the line were complete, but for which line the oldest rows show.
+void UtilsLogger::letLineWait(const QString &text, LOGGER_MESSAGE_TYPE type)
+{
+    const int rows = listWidget->count();
+    if (rows > 0 && rows == maxNumberOfLines) { // equality, as in addLine()
+        if (leavingRows < rows - emptyRows.size()) {
+            ++leavingRows;
+        } else {
+            const WaitingLine oldest = waitingLines.takeFirst();
+            completionIsOwed = completionIsOwed || oldest.animationDuration > 0; // its reveal was perhaps the last
+        }
+    } else {
+        QListWidgetItem *row = newLoggerRow();
+        listWidget->addItem(row);
+        row->setHidden(lineAnimationDuration > 0);
+        emptyRows.append(listWidget->model()->index(rows, 0));
+    }
+    allAnimationsCompleted = false;
+    waitingLines.append({{text}, type, lineAnimationDuration});
+}
+
+void UtilsLogger::completeWaitingLine()
+{
+    const WaitingLine waiting = waitingLines.takeFirst();
+    QListWidgetItem *row = nullptr;
+    if (!emptyRows.isEmpty()) {
+        row = listWidget->item(emptyRows.takeFirst().row());
+        if (!row) // someone took it out of the list, and with it the line
+            return;
+        row->setHidden(waiting.animationDuration > 0);
+    } else {
+        --leavingRows;
+        takeOldestLine();
+        row = newLoggerRow();
+        listWidget->addItem(row);
+    }
+    lastLine = fillRow(row, waiting.texts.constFirst(), waiting.type, waiting.animationDuration);
+    for (qsizetype i = 1; i < waiting.texts.size(); ++i)
+        lastLine->appendText(waiting.texts.at(i));
+}
+
+// For those who read, nothing changes: to them the lines are there since they were added.
+void UtilsLogger::completeWaitingLines() const
+{
+    while (!waitingLines.isEmpty())
+        const_cast<UtilsLogger *>(this)->completeWaitingLine();
+}
+
+void UtilsLogger::continueBurst()
+{
+    linesInThisTurn = 0;
+    QElapsedTimer clock;
+    clock.start();
+    while (!waitingLines.isEmpty() && !clock.hasExpired(BurstSlice))
+        completeWaitingLine();
+    if (!waitingLines.isEmpty())
+        nextTurn->start();
+    else if (completionIsOwed && lineAnimationQueue->NumberOfWaitingAnimations() == 0)
+        slotLoggerAnimationsCompleted();
 }
 
 void UtilsLogger::clear()
 {
+    waitingLines.clear();
+    emptyRows.clear();
+    leavingRows = 0;
+    completionIsOwed = false;
     const QList<UtilsLoggerLine *> lines = getChildrenWidgets();
     listWidget->clear();
     for (UtilsLoggerLine *line : lines)
@@ -163,12 +254,13 @@ QString UtilsLogger::getLoggerData() const
 
 QList<UtilsLoggerLine *> UtilsLogger::getChildrenWidgets() const
 {
+    completeWaitingLines();
     return listWidget->findChildren<UtilsLoggerLine *>();
 }
 
 bool UtilsLogger::isEmpty() const
 {
-    return !lastLine;
+    return !lastLine && waitingLines.isEmpty();
 }
 
 bool UtilsLogger::isAllAnimationsCompleted() const
@@ -201,9 +293,9 @@ bool UtilsLogger::setProperty(const char *name, const QVariant &value)
     if (!UtilsLoggerLine::isBackgroundColor(name))
         return QFrame::setProperty(name, value);
 
+    const QList<UtilsLoggerLine *> lines = getChildrenWidgets(); // before: those that waited have the old colour
     backgroundColor = value;
     UtilsLoggerLine::setStyleProperty(listWidget, name, value);
-    const QList<UtilsLoggerLine *> lines = getChildrenWidgets();
     for (UtilsLoggerLine *line : lines)
         line->setProperty(name, value);
     UtilsLoggerLine::setStyleProperty(this, name, value);
@@ -219,6 +311,9 @@ void UtilsLogger::moveScrollBarToBottom(int, int max)
 
 void UtilsLogger::slotLoggerAnimationsCompleted()
 {
+    completionIsOwed = !waitingLines.isEmpty();
+    if (completionIsOwed) // those are to be revealed too
+        return;
     // The flag comes after the signal: whoever asks from inside still reads false. A receiver may delete the logger.
     const QPointer<UtilsLogger> self(this);
     Q_EMIT signalLoggerAnimationsCompleted();
@@ -238,6 +333,7 @@ void UtilsLogger::slotShowContextMenu(const QPoint &position)
 
 void UtilsLogger::slotCopySelected()
 {
+    completeWaitingLines();
     const auto *line = qobject_cast<UtilsLoggerLine *>(listWidget->itemWidget(listWidget->currentItem()));
     if (line)
         QGuiApplication::clipboard()->setText(line->getText());
