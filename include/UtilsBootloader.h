@@ -53,14 +53,18 @@ public:
     QByteArray getDataBlock(unsigned int offset, int size) const;
     /// The whole payload.
     QByteArray getImageBuffer() const;
+    /// The size of the payload in bytes.
     int getImageBufferSize() const;
+    /// The address in the device that the payload goes to, by the type of the image.
     unsigned int getImageStartAddress() const;
     /// 992 bytes.
     int getWriteBlockSize() const;
+    /// In bytes; see the constructor.
     int getEraseSectorSize() const;
     /// Payload size / sector size + 1: one sector more than needed when the payload fills its sectors exactly, and 1
     /// when the sector size is 0.
     int getNumberOfSectorsToErase() const;
+    /// The version text of the file.
     QString getFirmwareVersion() const;
 
 private:

@@ -8,8 +8,8 @@
 /// because string connections compare it as text.
 enum LOGGER_MESSAGE_TYPE {
     LOGGER_MESSAGE_DEFAULT = 0, ///< progress of an operation
-    LOGGER_MESSAGE_INFO = 1,
-    LOGGER_MESSAGE_WARNING = 2,
+    LOGGER_MESSAGE_INFO = 1, ///< for applications; no operation sends it
+    LOGGER_MESSAGE_WARNING = 2, ///< for applications; no operation sends it
     LOGGER_MESSAGE_SUCCESS = 3, ///< result of an operation that succeeded
     LOGGER_MESSAGE_ERROR = 4 ///< what went wrong
 };
