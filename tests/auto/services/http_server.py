@@ -69,6 +69,9 @@ class Handler(http.server.BaseHTTPRequestHandler):
     def get_body(self):
         self.answer(BODY)
 
+    def get_any(self, _):
+        self.answer(BODY)
+
     def get_empty(self):
         self.answer()
 

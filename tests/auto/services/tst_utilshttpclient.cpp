@@ -192,6 +192,7 @@ void tst_UtilsHttpClient::aBodyArrivesWholeAndOnce_data()
     QTest::newRow("chunked") << QStringLiteral("/chunked") << QByteArray("first;second;third\r\n\0", 21);
     QTest::newRow("until the server closes") << QStringLiteral("/until-close") << plainBody();
     QTest::newRow("slow") << QStringLiteral("/slow") << QByteArray("01234567890123456789");
+    QTest::newRow("a blank in the URL") << QStringLiteral("/any/new suite") << plainBody();
     QTest::newRow("another status of success") << QStringLiteral("/status/203") << QByteArray("the page of status 203");
 }
 
