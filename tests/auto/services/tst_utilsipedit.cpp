@@ -4,6 +4,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QFocusEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -40,6 +41,8 @@ private Q_SLOTS:
 
     void theArrowsCrossTheDots_data();
     void theArrowsCrossTheDots();
+    void theFocusMovesForNoKeyboardReason_data();
+    void theFocusMovesForNoKeyboardReason();
     void theArrowsAreNoTyping_data();
     void theArrowsAreNoTyping();
     void everyOtherKeyIsAnnounced_data();
@@ -386,6 +389,40 @@ void tst_UtilsIpEdit::theArrowsCrossTheDots()
         QVERIFY(!after->hasSelectedText());
         QCOMPARE(edit.getAddress(), Address);
     }
+}
+
+void tst_UtilsIpEdit::theFocusMovesForNoKeyboardReason_data()
+{
+    QTest::addColumn<int>("cursor");
+    QTest::addColumn<Qt::Key>("key");
+    QTest::addColumn<int>("fieldAfter");
+    QTest::newRow("Left") << 0 << Qt::Key_Left << 0;
+    QTest::newRow("Right") << 3 << Qt::Key_Right << 2;
+    QTest::newRow("a full field") << 3 << Qt::Key_End << 2;
+}
+
+void tst_UtilsIpEdit::theFocusMovesForNoKeyboardReason()
+{
+    // A field that is reached by Tab, say, selects its text by itself.
+    class ReasonRecord : public QObject
+    {
+    public:
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            if (event->type() == QEvent::FocusIn)
+                reasons.append(static_cast<QFocusEvent *>(event)->reason());
+            return false;
+        }
+        QList<Qt::FocusReason> reasons;
+    } record;
+    QFETCH(int, cursor);
+    QFETCH(Qt::Key, key);
+    QFETCH(int, fieldAfter);
+    ActiveEdit edit;
+    QLineEdit *field = edit.enter(1, cursor);
+    edit.getLineEditWidgets(static_cast<unsigned char>(fieldAfter))->installEventFilter(&record);
+    QTest::keyClick(field, key);
+    QTRY_COMPARE(record.reasons, QList<Qt::FocusReason>{Qt::OtherFocusReason});
 }
 
 void tst_UtilsIpEdit::theArrowsAreNoTyping_data()
