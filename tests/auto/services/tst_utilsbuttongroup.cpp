@@ -25,6 +25,7 @@ private Q_SLOTS:
     void addButtonsAddsNothing();
     void theEndsAreMarked_data();
     void theEndsAreMarked();
+    void onlyARightEndBecomesAMiddle();
     void marksReachTheStyleSheetAtOnce();
     void theLeftEndIsLeftInEveryLayout();
     void oneButtonIsChecked();
@@ -207,6 +208,17 @@ void tst_UtilsButtonGroup::theEndsAreMarked()
     QCOMPARE(namesOf(group), names);
     for (int i = 0; i < marks.size(); ++i)
         QCOMPARE(marksOf(group, names.at(i)), marks.at(i));
+}
+
+void tst_UtilsButtonGroup::onlyARightEndBecomesAMiddle()
+{
+    UtilsButtonGroup group(nullptr);
+    group.addButton(QStringLiteral("A"), 0);
+    group.addButton(QStringLiteral("B"), 1);
+    group.setButtonsProperty("button-group-right", false); // an application that draws the row open
+    group.addButton(QStringLiteral("C"), 2);
+    QCOMPARE(marksOf(group, QStringLiteral("B")), QStringLiteral("R"));
+    QCOMPARE(marksOf(group, QStringLiteral("C")), QStringLiteral("r"));
 }
 
 void tst_UtilsButtonGroup::marksReachTheStyleSheetAtOnce()
