@@ -2,6 +2,7 @@
 
 #include <UtilsHelpAssistant.h>
 
+#include <ContextTranslator.h>
 #include <UniProgTest.h>
 
 #include <QAction>
@@ -87,6 +88,7 @@ private Q_SLOTS:
     void init();
 
     void theMenuBelongsToItsWidget();
+    void theEntryIsTranslatedInTheContextOfTheClass();
     void theSlotsStandInTheirOrder();
 
     void aRightClickShowsTheOneEntry();
@@ -134,6 +136,14 @@ void tst_UtilsHelpContextMenu::theMenuBelongsToItsWidget()
     QCOMPARE(actions.size(), 1);
     QCOMPARE(actions.constFirst()->text(), QStringLiteral("Help"));
     QVERIFY(widget->actions().isEmpty());
+}
+
+void tst_UtilsHelpContextMenu::theEntryIsTranslatedInTheContextOfTheClass()
+{
+    const ContextTranslator translator("UtilsHelpContextMenu");
+    QWidget other;
+    const UtilsHelpContextMenu otherMenu(&other, Keyword);
+    QCOMPARE(other.findChild<QAction *>()->text(), QStringLiteral("<Help>"));
 }
 
 void tst_UtilsHelpContextMenu::theSlotsStandInTheirOrder()
