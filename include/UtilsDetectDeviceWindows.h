@@ -51,15 +51,17 @@ public:
 
     /// Watches the devices with this product and vendor identifier, then emits signalAttached() for each one that is
     /// present, before it returns. A pair that is watched already keeps its place and is only searched for again.
-    /// Before registerDeviceNotification() no device is found. A value above 0xFFFF matches no device.
+    /// Before registerDeviceNotification() no device is found. A value above 0xFFFF matches no device: none has an
+    /// identifier of that many digits.
     void registerDeviceByPidVid(int pid, int vid);
     /// Watches the pair no longer. No signal is emitted; a pair that is not watched is ignored.
     void unregisterDeviceByPidVid(int pid, int vid);
     /// The watched pairs, product identifier first, in the order of their registration.
     QList<std::pair<int, int>> getMonitoringDevices() const;
 
-    /// What is looked for, in any letter case, in the identifiers that the system gives to devices: "VID_1a2b&PID_1234"
-    /// for the product 0x1234 of the vendor 0x1A2B. At least four digits each, more for a value above 0xFFFF.
+    /// What is looked for, anywhere and in any letter case, in the identifiers that the system gives to devices:
+    /// "VID_1a2b&PID_1234" for the product 0x1234 of the vendor 0x1A2B. At least four digits each, more for a value
+    /// above 0xFFFF.
     QString getVidPidString(std::pair<int, int> pidVid);
 
     /// The hidden window; null before registerDeviceNotification(), and always on Linux.

@@ -47,12 +47,14 @@ class UNIPROGUTILS_EXPORT UtilsIpEdit : public QFrame
     Q_OBJECT
 
 public:
+    /// An editor, at most 120 pixels wide, that shows \a address.
     explicit UtilsIpEdit(QWidget *parent = nullptr, unsigned int address = 0);
     ~UtilsIpEdit() override;
 
     /// The bytes of the four fields, joined. A field without a number counts as 0; one above 255, which can be typed,
     /// reaches into the bytes above its own.
     unsigned int getAddress() const;
+    /// Shows \a address. signalTextChanged() is not emitted.
     void setAddress(unsigned int address);
 
     /// The field \a index, 0 (the highest byte) to 3; other values are not checked. The editor owns it.

@@ -20,6 +20,7 @@ class UNIPROGUTILS_EXPORT UtilsLcdNumber : public QFrame
     Q_OBJECT
 
 public:
+    /// A read-out that shows \a value as setValue(double) does.
     explicit UtilsLcdNumber(QWidget *parent = nullptr, double value = 0.0);
     ~UtilsLcdNumber() override;
 

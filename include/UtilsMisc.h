@@ -23,8 +23,8 @@ public:
 
     /// The file version of a Windows executable or library, four decimal numbers joined by "." ("1.4.0.12"), taken
     /// from the fixed part of its version resource. "" when there is none, with a debug line that says what failed:
-    /// "error in GetFileVersionInfo: " and the Windows error number (2 no such file, 5 not readable, 1812 no
-    /// resources, 1813 no version resource) or "error in VerQueryValue" for a version resource that is damaged.
+    /// "error in GetFileVersionInfo: " and the Windows error number (such as 2 no such file, 5 not readable,
+    /// 1812 no resources, 1813 no version resource) or "error in VerQueryValue" for a version resource that is damaged.
     /// Works on every system.
     static QString GetFileVersion(QString filePath);
 

@@ -36,7 +36,7 @@ public:
     ~UtilsProgressBar() override;
 
     /// How long the changes requested from now on take, in milliseconds; those already queued keep their time.
-    /// 0 makes them immediate.
+    /// 0 makes them immediate; more than an int holds counts as its largest value.
     void setAnimationDuration(unsigned int ms);
 
     /// Sets the range, and the type by it: busy for 0 to 0, regular for every other range. A value outside the new

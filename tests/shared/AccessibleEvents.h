@@ -16,7 +16,7 @@ public:
     static bool isAvailable();
 
     void clear();
-    /// Whether an event like @p event, with the same states or value, came since the last clear().
+    /// Whether an event like \a event, with the same states or value, came since the last clear().
     bool contains(QAccessibleEvent *event) const;
 
 private:

@@ -13,7 +13,7 @@ class ContextTranslator : public QTranslator
     Q_OBJECT
 
 public:
-    /// An empty @p contextName translates the texts of all contexts.
+    /// An empty \a contextName translates the texts of all contexts.
     explicit ContextTranslator(QByteArray contextName = QByteArray());
 
     bool isEmpty() const override;
