@@ -35,6 +35,9 @@ protected:
     void enterEvent(QEnterEvent *event) override;
     void leaveEvent(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
+
+private:
+    Q_DISABLE_COPY_MOVE(UtilsLabel)
 };
 
 #endif // UTILSLABEL_H

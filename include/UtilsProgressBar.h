@@ -49,6 +49,8 @@ public:
     void setValue(int value);
 
 private:
+    Q_DISABLE_COPY_MOVE(UtilsProgressBar)
+
     QPointer<QPropertyAnimation> currentAnimation; ///< of the value requested last; deletes itself when it has run
     UtilsSequentialAnimation *animationQueue;
     qint32 lastTargetValue = 0;

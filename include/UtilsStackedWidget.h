@@ -44,6 +44,8 @@ public Q_SLOTS:
     void slotEndChangeCurrent();
 
 private:
+    Q_DISABLE_COPY_MOVE(UtilsStackedWidget)
+
     UtilsFade *createFade(QWidget *page);
 
     QPointer<QWidget> targetPage;

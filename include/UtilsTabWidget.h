@@ -26,6 +26,8 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    Q_DISABLE_COPY_MOVE(UtilsTabWidget)
+
     void setupForm();
 };
 
