@@ -5,6 +5,7 @@
 #include <QByteArray>
 
 #include <algorithm>
+#include <iterator>
 
 static constexpr int IdentifierDigits = 4;
 static constexpr int Hexadecimal = 16;

@@ -53,8 +53,8 @@ void UtilsStackedWidget::slotEndChangeCurrent()
     } else if (wasFadingOut) {
         page = currentWidget(); // its successor is gone: it comes back
     }
-    if (animatedFlag && page
-        && !fadeOut) // a receiver of currentChanged() may have deleted the page, or asked for another
+    // A receiver of currentChanged() may have deleted the page, or asked for another.
+    if (animatedFlag && page && !fadeOut)
         createFade(page)->In(nullptr);
 }
 
