@@ -24,6 +24,8 @@ public:
 protected:
     /// Fixes the width of the tab bar to the width of the widget.
     void resizeEvent(QResizeEvent *event) override;
+    /// Tells the style that the tab bar is as wide as the widget.
+    void initStyleOption(QStyleOptionTabWidgetFrame *option) const override;
 
 private:
     Q_DISABLE_COPY_MOVE(UtilsTabWidget)

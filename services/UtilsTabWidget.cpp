@@ -1,5 +1,6 @@
 #include "UtilsTabWidget.h"
 
+#include <QStyleOptionTabWidgetFrame>
 #include <QTabBar>
 
 namespace {
@@ -20,6 +21,15 @@ void UtilsTabWidget::resizeEvent(QResizeEvent *event)
 {
     tabBar()->setFixedWidth(width());
     QTabWidget::resizeEvent(event);
+}
+
+// The style places the bar by the width it asks for. Read from right to left, one of a larger width would begin in the
+// middle of the widget and end outside of it.
+void UtilsTabWidget::initStyleOption(QStyleOptionTabWidgetFrame *option) const
+{
+    QTabWidget::initStyleOption(option);
+    if (tabPosition() == North || tabPosition() == South)
+        option->tabBarSize.setWidth(width());
 }
 
 void UtilsTabWidget::setupForm()

@@ -60,6 +60,7 @@ void tst_UtilsTabWidget::theTabBarTakesTheWholeWidth_data()
     QTest::newRow("tabs above") << QTabWidget::North << Qt::LeftToRight;
     QTest::newRow("tabs below") << QTabWidget::South << Qt::LeftToRight;
     QTest::newRow("right to left") << QTabWidget::North << Qt::RightToLeft;
+    QTest::newRow("right to left, tabs below") << QTabWidget::South << Qt::RightToLeft;
 }
 
 void tst_UtilsTabWidget::theTabBarTakesTheWholeWidth()
@@ -76,6 +77,14 @@ void tst_UtilsTabWidget::theTabBarTakesTheWholeWidth()
     tabs.resize(640, 300);
     QCOMPARE(tabs.tabBar()->minimumWidth(), 640);
     QCOMPARE(tabs.tabBar()->maximumWidth(), 640);
+    QCOMPARE(tabs.tabBar()->width(), 640);
+    QCOMPARE(tabs.tabBar()->x(), 0);
+
+    // Whatever lays the tabs out anew, their bar stays where it is.
+    tabs.addTab(new QWidget, QStringLiteral("B"));
+    tabs.setTabText(0, QStringLiteral("A longer text"));
+    QCoreApplication::processEvents();
+    QCOMPARE(tabs.tabBar()->x(), 0);
     QCOMPARE(tabs.tabBar()->width(), 640);
 }
 
