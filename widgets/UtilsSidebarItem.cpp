@@ -6,6 +6,8 @@
 #include <QButtonGroup>
 #include <QGraphicsDropShadowEffect>
 #include <QPropertyAnimation>
+#include <QStyleOptionToolButton>
+#include <QStylePainter>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -20,6 +22,28 @@ static constexpr int NoId = -1;
 
 // The scales of screens that an icon has a picture of its own for, so that none is scaled to fit the button.
 static constexpr qreal IconScales[] = {1.0, 1.25, 1.5, 1.75, 2.0, 2.25, 2.5, 3.0};
+
+namespace {
+
+/// Painted as any QToolButton, which it is to a style sheet. But what has a graphics effect is painted by Qt 6.4 as if
+/// it were read from left to right: the text would stand at the far end of the button, away from its icon.
+class MainButton : public QToolButton
+{
+public:
+    using QToolButton::QToolButton;
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QStyleOptionToolButton option;
+        initStyleOption(&option);
+        QStylePainter painter(this);
+        painter.setLayoutDirection(layoutDirection());
+        painter.drawComplexControl(QStyle::CC_ToolButton, option);
+    }
+};
+
+} // namespace
 
 static QIcon iconFrom(const QString &path)
 {
@@ -81,7 +105,7 @@ void UtilsSidebarItem::setupForm()
     layout->setSpacing(0);
     layout->setContentsMargins(0, 0, 0, 0);
 
-    m_mainButton = new QToolButton(widget);
+    m_mainButton = new MainButton(widget);
     m_mainButton->setObjectName(QStringLiteral("toolButton_main"));
     m_mainButton->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     m_mainButton->setMinimumHeight(MainButtonHeight);

@@ -51,6 +51,8 @@ private Q_SLOTS:
     void theSelectedIconIsNotGrey();
     void theIconIsSharpAtEveryScale_data();
     void theIconIsSharpAtEveryScale();
+    void theTextStandsBesideTheIcon_data();
+    void theTextStandsBesideTheIcon();
     void aStyleSheetOfItsOwnSeesNewChildren();
     void theSectionIsHeardByAssistiveTechnology();
     void buttonsAreFoundWhileTheSectionIsOpen();
@@ -449,6 +451,39 @@ void tst_UtilsSidebarItem::theIconIsSharpAtEveryScale()
     QFETCH(qreal, scale);
     const Section section;
     QCOMPARE(pictureOf(section.main()->icon(), QIcon::Normal, QIcon::Off, scale), drawing(UncheckedIcon, scale));
+}
+
+void tst_UtilsSidebarItem::theTextStandsBesideTheIcon_data()
+{
+    QTest::addColumn<Qt::LayoutDirection>("direction");
+    QTest::newRow("left to right") << Qt::LeftToRight;
+    QTest::newRow("right to left") << Qt::RightToLeft;
+}
+
+void tst_UtilsSidebarItem::theTextStandsBesideTheIcon()
+{
+    QFETCH(Qt::LayoutDirection, direction);
+    const Section section;
+    section.item->setStyleSheet("QToolButton { background: white; color: black; border: none; }");
+    section.item->setLayoutDirection(direction);
+    section.item->resize(400, 58);
+    section.item->show();
+    QVERIFY(QTest::qWaitForWindowExposed(section.item.get()));
+    const QImage picture = section.item->grab().toImage();
+    int first = picture.width();
+    int last = -1;
+    for (int x = 0; x < picture.width(); ++x) {
+        if (picture.pixelColor(x, 29) != QColor(Qt::white)) {
+            first = qMin(first, x);
+            last = x;
+        }
+    }
+    // Icon and text need less than half of the width, at the side where reading begins.
+    QVERIFY(last >= 0);
+    if (direction == Qt::LeftToRight)
+        QVERIFY2(last < 200, qPrintable(QString::number(last)));
+    else
+        QVERIFY2(first >= 200, qPrintable(QString::number(first)));
 }
 
 void tst_UtilsSidebarItem::aStyleSheetOfItsOwnSeesNewChildren()
