@@ -3,6 +3,7 @@
 #include "../EventMonitor.h"
 
 #include <UtilsButtonGroup.h>
+#include <UtilsMisc.h>
 #include <UtilsToggleSwitch.h>
 
 namespace {
@@ -51,6 +52,11 @@ ButtonsPage::ButtonsPage(EventMonitor *events, QWidget *parent)
     addSample(tr("One button"), [this](QWidget *page) { return newGroup({tr("Erase")}, monitor(), page); });
     addSample(tr("Switch, off"), [this](QWidget *page) { return newSwitch(false, monitor(), page); });
     addSample(tr("Switch, on"), [this](QWidget *page) { return newSwitch(true, monitor(), page); });
+    addSample(tr("Under the pointer"), [this](QWidget *page) {
+        UtilsToggleSwitch *toggle = newSwitch(false, monitor(), page);
+        UtilsMisc::SetProperty(toggle, "hover", true); // until the pointer has really been there
+        return toggle;
+    });
     addSample(tr("Half transparent"), [this](QWidget *page) {
         UtilsToggleSwitch *toggle = newSwitch(true, monitor(), page);
         toggle->setOpacity(HalfSeen);

@@ -11,6 +11,8 @@
 #include <QRadioButton>
 #include <QToolButton>
 
+#include <functional>
+
 namespace {
 
 constexpr double Voltage = 3.3;
@@ -37,6 +39,25 @@ Button *newButton(const QString &text, bool isChecked)
     return button;
 }
 
+QToolButton *newFlatButton(const QString &text)
+{
+    auto *button = newButton<QToolButton>(text, false);
+    button->setAutoRaise(true);
+    return button;
+}
+
+/// Buttons of several kinds, each brought into a state by \a change.
+QWidget *newRowOfKinds(const std::function<void(QAbstractButton *button)> &change, QWidget *parent)
+{
+    const QList<QAbstractButton *> buttons{
+        newButton<QToolButton>(StandardPage::tr("Off"), false), newButton<QToolButton>(StandardPage::tr("On"), true),
+        newFlatButton(StandardPage::tr("Flat")), newButton<QCheckBox>(StandardPage::tr("Off"), false),
+        newButton<QRadioButton>(StandardPage::tr("Off"), false)};
+    for (QAbstractButton *button : buttons)
+        change(button);
+    return newRow({buttons.cbegin(), buttons.cend()}, parent);
+}
+
 } // namespace
 
 StandardPage::StandardPage(EventMonitor *events, QWidget *parent)
@@ -49,9 +70,16 @@ StandardPage::StandardPage(EventMonitor *events, QWidget *parent)
                       page);
     });
     addSample(tr("Tool buttons"), [](QWidget *page) {
-        auto *flat = newButton<QToolButton>(tr("Flat"), false);
-        flat->setAutoRaise(true);
-        return newRow({newButton<QToolButton>(tr("Off"), false), newButton<QToolButton>(tr("On"), true), flat}, page);
+        return newRow({newButton<QToolButton>(tr("Off"), false), newButton<QToolButton>(tr("On"), true),
+                       newFlatButton(tr("Flat"))},
+                      page);
+    });
+    addSample(tr("Under the pointer"), [](QWidget *page) {
+        // Until it has really been there.
+        return newRowOfKinds([](QAbstractButton *button) { button->setAttribute(Qt::WA_UnderMouse); }, page);
+    });
+    addSample(tr("Pressed"), [](QWidget *page) {
+        return newRowOfKinds([](QAbstractButton *button) { button->setDown(true); }, page);
     });
     addSample(tr("Check boxes"), [](QWidget *page) {
         auto *partial = newButton<QCheckBox>(tr("In part"), false);
