@@ -5,7 +5,6 @@
 #include <QApplication>
 #include <QScopeGuard>
 
-#include <sys/resource.h>
 #include <umockdev.h>
 
 namespace {
@@ -104,12 +103,12 @@ void tst_UtilsDetectDeviceWindows_Udev::cleanupTestCase()
 
 void tst_UtilsDetectDeviceWindows_Udev::aRefusedRegistrationIsToldOf()
 {
-    // A process that has no descriptor left gets no socket from udev.
-    rlimit usual = {};
-    QCOMPARE(getrlimit(RLIMIT_NOFILE, &usual), 0);
-    const rlimit none = {0, usual.rlim_max};
-    QCOMPARE(setrlimit(RLIMIT_NOFILE, &none), 0);
-    const auto restore = qScopeGuard([&usual] { setrlimit(RLIMIT_NOFILE, &usual); });
+    // The sockets of the made-up udev are files of its folder.
+    const char variable[] = "UMOCKDEV_DIR";
+    const QByteArray folder = qgetenv(variable);
+    QVERIFY(!folder.isEmpty());
+    qputenv(variable, folder + "/missing");
+    const auto restore = qScopeGuard([&] { qputenv(variable, folder); });
     QVERIFY(!watcher().registerDeviceNotification(GUID()));
     QVERIFY(!watcher().getHDeviceNotify());
     QVERIFY(!watcher().getHwnd());
