@@ -17,7 +17,7 @@ class UtilsFade;
 ///
 /// Thread: GUI thread only. Ownership: create it with new. A frame is used once: hiding it in any way (accept, reject,
 /// done, close, hide) disables its buttons and deletes it at the next event-loop turn. It may also die earlier, with
-/// its parent.
+/// its parent or inside a slot of its signals.
 ///
 ///     auto *frame = new UtilsDialogFrame(window);
 ///     frame->setContent(new QLabel(tr("Erase the target?")));

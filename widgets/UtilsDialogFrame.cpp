@@ -4,6 +4,7 @@
 #include "UtilsSingleInstance.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QFrame>
 #include <QGraphicsDropShadowEffect>
 #include <QKeyEvent>
@@ -254,7 +255,20 @@ void UtilsDialogFrame::done(int result)
         return;
     m_isDone = true;
     hide(); // which QDialog::done() leaves out when the frame was never shown
+
+    // The signals of QDialog::done() come from here: it goes on with a dialog that a slot of the first one has deleted.
+    const QPointer<UtilsDialogFrame> self(this);
+    const bool wereBlocked = blockSignals(true);
     QDialog::done(result);
+    if (!self)
+        return;
+    blockSignals(wereBlocked);
+    if (result == Accepted)
+        Q_EMIT QDialog::accepted();
+    else if (result == Rejected)
+        Q_EMIT QDialog::rejected();
+    if (self)
+        Q_EMIT finished(result);
 }
 
 int UtilsDialogFrame::exec()
@@ -340,6 +354,7 @@ void UtilsDialogFrame::closeEvent(QCloseEvent *event)
     if (!self)
         return;
     hide(); // a frame that was never shown goes as well
+    event->accept(); // QDialog refuses while the frame is seen, and with it the application could not quit
     slotDialogIsClosing();
 }
 
