@@ -1,5 +1,8 @@
 #include "UtilsLabel.h"
 
+#include <QMouseEvent>
+#include <QPointer>
+
 UtilsLabel::UtilsLabel(QWidget *parent, Qt::WindowFlags f)
     : QLabel(parent, f)
 { }
@@ -21,5 +24,8 @@ void UtilsLabel::leaveEvent(QEvent *event)
 void UtilsLabel::mousePressEvent(QMouseEvent *event)
 {
     QLabel::mousePressEvent(event);
+    const QPointer<UtilsLabel> self(this);
     Q_EMIT signalClicked();
+    if (!self)
+        event->accept(); // else it went on to the parent of a label that is gone
 }
