@@ -127,7 +127,7 @@ bool UtilsIpEdit::eventFilter(QObject *watched, QEvent *event)
 {
     const int index = event->type() == QEvent::KeyPress ? indexOf(watched) : -1;
     if (index >= 0) {
-        QLineEdit *field = m_fields[size_t(index)];
+        const QPointer<QLineEdit> field = m_fields[size_t(index)];
         switch (static_cast<QKeyEvent *>(event)->key()) {
         case Qt::Key_Left:
             if (field->cursorPosition() == 0 && index > 0) {
@@ -141,6 +141,8 @@ bool UtilsIpEdit::eventFilter(QObject *watched, QEvent *event)
             break;
         default:
             Q_EMIT signalTextChanged(field);
+            if (!field)
+                return true; // nobody is left to take the key
         }
     }
     return QFrame::eventFilter(watched, event);
