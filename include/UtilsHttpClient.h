@@ -68,6 +68,7 @@ private:
     QByteArray responseData;
     QString userName;
     QString userPassword;
+    bool isReporting = false;
 };
 
 #endif // UTILSHTTPCLIENT_H

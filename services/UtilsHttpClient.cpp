@@ -4,6 +4,9 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QPointer>
+
+#include <utility>
 
 UtilsHttpClient::UtilsHttpClient()
     : networkManager(new QNetworkAccessManager)
@@ -16,7 +19,10 @@ UtilsHttpClient::UtilsHttpClient()
 
 UtilsHttpClient::~UtilsHttpClient()
 {
-    delete networkManager;
+    if (isReporting)
+        networkManager->deleteLater(); // it is in the middle of telling that a request has finished
+    else
+        delete networkManager;
 }
 
 void UtilsHttpClient::SendUrlRequest(QString url)
@@ -52,7 +58,11 @@ void UtilsHttpClient::slotRequestFinished(QNetworkReply *reply)
         responseData.clear();
     }
     reply->deleteLater();
+    const QPointer<UtilsHttpClient> self(this);
+    const bool wasReporting = std::exchange(isReporting, true);
     Q_EMIT signalServerDownloadFinished(succeeded, responseData);
+    if (self)
+        isReporting = wasReporting;
 }
 
 void UtilsHttpClient::slotProvideAuthentication(QNetworkReply *reply, QAuthenticator *authenticator)
