@@ -46,6 +46,7 @@ void UtilsStackedWidget::setCurrentWidget(QWidget *widget)
 void UtilsStackedWidget::slotEndChangeCurrent()
 {
     const bool wasFadingOut = std::exchange(fadeOut, nullptr) != nullptr;
+    const QPointer<UtilsStackedWidget> self(this);
     QPointer<QWidget> page;
     if (indexOf(targetPage) >= 0) {
         page = targetPage;
@@ -53,8 +54,8 @@ void UtilsStackedWidget::slotEndChangeCurrent()
     } else if (wasFadingOut) {
         page = currentWidget(); // its successor is gone: it comes back
     }
-    // A receiver of currentChanged() may have deleted the page, or asked for another.
-    if (animatedFlag && page && !fadeOut)
+    // A receiver of currentChanged() may have deleted the stack or the page, or asked for another.
+    if (self && animatedFlag && page && !fadeOut)
         createFade(page)->In(nullptr);
 }
 
