@@ -73,6 +73,7 @@ private:
     int rowOf(const QToolButton *button) const;
     int targetHeight() const;
     void animateHeight(int target);
+    bool sayToggled(bool checked);
 
     QString m_checkedIcon;
     QString m_uncheckedIcon;
@@ -87,6 +88,7 @@ private:
     QPointer<QPropertyAnimation> m_heightAnimation;
     QIcon m_checkedPicture;
     QIcon m_uncheckedPicture;
+    int m_openSignals = 0; // whose receivers have not returned
 };
 
 #endif // UTILSSIDEBARITEM_H

@@ -67,10 +67,10 @@ private:
 
     QVBoxLayout *m_layout = nullptr;
     QWidget *m_filler = nullptr;
-    QList<UtilsSidebarItem *> m_items;
+    QList<QPointer<UtilsSidebarItem>> m_items;
     QPointer<UtilsSidebarItem> m_currentItem;
     int m_itemCount = 0;
-    QMap<int, UtilsSidebarItem *> m_itemsById;
+    QMap<int, QPointer<UtilsSidebarItem>> m_itemsById;
 };
 
 #endif // UTILSSIDEBARWIDGET_H

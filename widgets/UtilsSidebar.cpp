@@ -13,6 +13,8 @@ static void initResources()
 
 static constexpr int NoId = -1;
 
+// The stack says when its current page changes, and a receiver may delete this object then.
+
 UtilsSidebar *UtilsSidebar::getInstance(QWidget *parent)
 {
     static QPointer<UtilsSidebar> instance;
@@ -116,7 +118,10 @@ void UtilsSidebar::addConnection(QWidget *page, int childIndex, int itemId)
 {
     if (!page || !m_sidebarWidget || !m_stackedWidget)
         return;
+    const QPointer<UtilsSidebar> self(this);
     addToStack(page);
+    if (!self)
+        return;
     const int buttonItemId = m_sidebarWidget->getItemIdForChild(itemId);
     const int childId = m_sidebarWidget->addChild(page->objectName(), buttonItemId, childIndex);
     m_connections.append({page, itemId, childId, buttonItemId});
@@ -133,10 +138,12 @@ void UtilsSidebar::removeConnection(QWidget *page)
 {
     if (!connectionOf(page))
         return;
+    const QPointer<UtilsSidebar> self(this);
+    page->deleteLater();
     if (m_stackedWidget)
         m_stackedWidget->removeWidget(page);
-    page->deleteLater();
-    forget(page);
+    if (self)
+        forget(page);
 }
 
 /// Whoever deleted it: a page that is gone leaves no record and no button behind.
@@ -160,13 +167,15 @@ void UtilsSidebar::replaceConnection(QWidget *oldPage, QWidget *newPage)
         if (connection.page == oldPage)
             connection.page = newPage;
     }
+    const QPointer<UtilsSidebar> self(this);
     addToStack(newPage);
-    if (m_stackedWidget->indexOf(oldPage) < 0)
+    if (!self || m_stackedWidget->indexOf(oldPage) < 0)
         return;
+    oldPage->deleteLater();
     if (m_stackedWidget->currentWidget() == oldPage)
         m_stackedWidget->setCurrentWidget(newPage); // the button, which both have, is still checked
-    m_stackedWidget->removeWidget(oldPage);
-    oldPage->deleteLater();
+    if (self && m_stackedWidget)
+        m_stackedWidget->removeWidget(oldPage);
 }
 
 QWidget *UtilsSidebar::updateConnection(QWidget *newPage, QWidget *oldPage, int childIndex, int itemId)
@@ -243,7 +252,8 @@ void UtilsSidebar::slotSidebarChildToggled(int itemId, int childId, bool checked
     const QPointer<QWidget> page = getWidgetFromMap(itemId, childId);
     if (!page || !m_stackedWidget)
         return;
+    const QPointer<UtilsSidebar> self(this);
     m_stackedWidget->setCurrentWidget(page);
-    if (page) // a receiver of currentChanged() may have deleted it
+    if (self && page) // a receiver of currentChanged() may have deleted either
         Q_EMIT signalWidgetShown(page);
 }

@@ -82,6 +82,15 @@ UtilsSidebarItem::~UtilsSidebarItem()
 {
     if (m_heightAnimation)
         m_heightAnimation->stop(); // which deletes it
+    if (m_openSignals == 0)
+        return;
+    // A receiver deletes the section inside one of its signals, and so inside the change of a button. QAbstractButton
+    // goes on with that button when it has said so: the buttons stay until the event loop comes to them.
+    for (QToolButton *button : findChildren<QToolButton *>()) {
+        button->disconnect(this);
+        button->setParent(nullptr);
+        button->deleteLater();
+    }
 }
 
 void UtilsSidebarItem::setupForm()
@@ -201,11 +210,16 @@ void UtilsSidebarItem::setChildCaption(int childId, const QString &caption)
         button->setText(caption);
 }
 
+// Whoever hears that something was toggled may delete the section: each operation looks for that after its signals.
+
 void UtilsSidebarItem::checkChild(int childId)
 {
     if (!m_childButtons.contains(childId))
         return;
+    const QPointer<UtilsSidebarItem> self(this);
     m_mainButton->setChecked(true);
+    if (!self)
+        return;
     if (QToolButton *button = m_childButtons.value(childId)) // who heard of the opening may have removed it
         button->setChecked(true);
 }
@@ -213,9 +227,12 @@ void UtilsSidebarItem::checkChild(int childId)
 void UtilsSidebarItem::reset()
 {
     // The main button first: while it is checked, the group keeps one of its buttons checked.
-    m_mainButton->setChecked(false);
     const QList<int> ids = m_childButtons.keys();
+    const QPointer<UtilsSidebarItem> self(this);
+    m_mainButton->setChecked(false);
     for (const int id : ids) {
+        if (!self)
+            return;
         if (QToolButton *button = m_childButtons.value(id)) // as above
             button->setChecked(false);
     }
@@ -225,7 +242,8 @@ void UtilsSidebarItem::on_toolButton_main_toggled(bool checked)
 {
     if (!checked) {
         m_mainButton->setEnabled(true);
-        Q_EMIT SignalItemToggled(this, false);
+        if (!sayToggled(false))
+            return;
     }
     // Without children too, for those that come while the section is checked.
     m_childGroup->setExclusive(checked);
@@ -233,7 +251,8 @@ void UtilsSidebarItem::on_toolButton_main_toggled(bool checked)
         animateHeight(checked ? m_childrenHeight : 0);
     } else if (checked) {
         m_mainButton->setEnabled(false); // it stays selected: another click does nothing
-        Q_EMIT SignalItemToggled(this, true);
+        if (!sayToggled(true))
+            return;
     }
     m_mainButton->setIcon(m_mainButton->isChecked() ? m_checkedPicture : m_uncheckedPicture);
 }
@@ -242,8 +261,24 @@ void UtilsSidebarItem::SlotChildButtonToggled(bool checked)
 {
     const int id = m_childButtons.key(qobject_cast<QToolButton *>(sender()), NoId);
     m_mainButton->setEnabled(!checked);
-    Q_EMIT SignalItemToggled(this, checked);
+    if (!sayToggled(checked))
+        return;
+    const QPointer<UtilsSidebarItem> self(this);
+    ++m_openSignals;
     Q_EMIT SignalChildToggled(id, checked);
+    if (self)
+        --m_openSignals;
+}
+
+/// False when a receiver has deleted the section.
+bool UtilsSidebarItem::sayToggled(bool checked)
+{
+    const QPointer<UtilsSidebarItem> self(this);
+    ++m_openSignals;
+    Q_EMIT SignalItemToggled(this, checked);
+    if (self)
+        --m_openSignals;
+    return self;
 }
 
 int UtilsSidebarItem::rowOf(const QToolButton *button) const

@@ -109,9 +109,12 @@ bool UtilsSidebarWidget::eventFilter(QObject *watched, QEvent *event)
 
 void UtilsSidebarWidget::resetAllButCurrent()
 {
-    const QList<UtilsSidebarItem *> items = m_items;
-    for (UtilsSidebarItem *item : items) {
-        if (item != m_currentItem)
+    const QPointer<UtilsSidebarWidget> self(this);
+    const QList<QPointer<UtilsSidebarItem>> items = m_items;
+    for (const QPointer<UtilsSidebarItem> &item : items) {
+        if (item && item != m_currentItem)
             item->reset();
+        if (!self)
+            return; // whoever heard of it has deleted the column
     }
 }
