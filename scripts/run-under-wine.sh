@@ -4,7 +4,8 @@
 #
 # The Wine prefix is WINEPREFIX, otherwise build/wine, made when it is missing. QT_QPA_PLATFORM is offscreen unless set;
 # "windows" takes an X display. What a test program prints is shown when it has ended: Wine does not hand its console
-# output over reliably. With UNIPROG_TEST_RESULTS, a folder, it is also kept there.
+# output over reliably. With UNIPROG_TEST_RESULTS, a folder, it is also kept there, under the name of the program and, if
+# given, of UNIPROG_TEST_VARIANT.
 set -euo pipefail
 qt=$(realpath "$1")
 program=$2
@@ -28,7 +29,13 @@ export WINEQT_QPA_FONTDIR=${QT_QPA_FONTDIR:-$(windows_path /usr/share/fonts/true
 mkdir -p "$WINEPREFIX"
 (
     flock 9
-    [ -e "$WINEPREFIX/system.reg" ] || { wineboot -i && wineserver -w; }
+    if [ ! -e "$WINEPREFIX/.ready" ]; then
+        wineboot -i
+        # No window manager is needed: otherwise a window waits two seconds for one when it goes.
+        wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f
+        wineserver -w
+        touch "$WINEPREFIX/.ready"
+    fi
 ) 9>"$WINEPREFIX/.lock" >/dev/null 2>&1
 
 case $(basename "$program") in
@@ -36,13 +43,13 @@ tst_*) ;;
 *) exec wine "$program" "$@" ;;
 esac
 
-if [ -n "${UNIPROG_TEST_RESULTS:-}" ]; then
-    result=$(realpath "$UNIPROG_TEST_RESULTS")/$(basename "$program" .exe).txt
-else
-    result=$(mktemp)
-    trap 'rm -f "$result"' EXIT
-fi
+temporary=$(mktemp -d)
+trap 'rm -rf "$temporary"' EXIT
+results=$temporary
+[ -z "${UNIPROG_TEST_RESULTS:-}" ] || results=$(realpath "$UNIPROG_TEST_RESULTS")
+result=$results/$(basename "$program" .exe)${UNIPROG_TEST_VARIANT:+_$UNIPROG_TEST_VARIANT}.txt
 status=0
-wine "$program" "$@" -o "$(windows_path "$result"),txt" || status=$?
-cat "$result"
+# Into a file: the system's services, which the first program starts, keep its output open for as long as they run.
+wine "$program" "$@" -o "$(windows_path "$result"),txt" >"$temporary/console" 2>&1 </dev/null || status=$?
+cat "$temporary/console" "$result"
 exit "$status"
