@@ -1,6 +1,7 @@
 #include "UniProgTest.h"
 
 #include <QCoreApplication>
+#include <QImageReader>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -19,6 +20,15 @@ void UniProgTest::prepareProcess()
 QString UniProgTest::programOutput(const QByteArray &bytes)
 {
     return QString::fromUtf8(bytes).replace(QLatin1String("\r\n"), QLatin1String("\n"));
+}
+
+bool UniProgTest::lacksSvg()
+{
+#ifdef Q_OS_WIN
+    return !QImageReader::supportedImageFormats().contains("svg");
+#else
+    return false;
+#endif
 }
 
 void UniProgTest::init()

@@ -14,6 +14,9 @@ public:
     static void prepareProcess();
     /// What a program printed; its lines end with "\n" on every system.
     static QString programOutput(const QByteArray &bytes);
+    /// Whether icons stay empty because the Qt for Windows that the tests run with came without its SVG plugin.
+    /// Elsewhere the plugin is one of the needed packages, and its absence is to be seen.
+    static bool lacksSvg();
 
 protected Q_SLOTS:
     /// A test with an init() of its own calls this one there.

@@ -277,6 +277,8 @@ static bool shows(QWidget *button, const QString &image, int size)
 
 void tst_UtilsDialogTitlebar::buttonsShowTheImageOfTheirState_data()
 {
+    if (lacksSvg())
+        QSKIP("This Qt has no SVG plugin.");
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("checked");
     QTest::addColumn<bool>("hover");
@@ -309,6 +311,8 @@ void tst_UtilsDialogTitlebar::buttonsShowTheImageOfTheirState()
 
 void tst_UtilsDialogTitlebar::aLogoLabelShowsTheLogo()
 {
+    if (lacksSvg())
+        QSKIP("This Qt has no SVG plugin.");
     Window window;
     auto *logo = new QLabel;
     logo->setObjectName("logoLabel");

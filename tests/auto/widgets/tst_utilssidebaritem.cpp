@@ -408,6 +408,8 @@ static QImage drawing(const QString &path, qreal scale = 1.0)
 
 void tst_UtilsSidebarItem::theIconFollowsTheButton()
 {
+    if (lacksSvg())
+        QSKIP("This Qt has no SVG plugin.");
     const Section section(1);
     const QToolButton *main = section.main();
     QCOMPARE(pictureOf(main->icon(), QIcon::Normal, QIcon::Off), drawing(UncheckedIcon));
@@ -423,6 +425,8 @@ void tst_UtilsSidebarItem::theIconFollowsTheButton()
 
 void tst_UtilsSidebarItem::theSelectedIconIsNotGrey()
 {
+    if (lacksSvg())
+        QSKIP("This Qt has no SVG plugin.");
     Section section;
     section.main()->click();
     QVERIFY(!section.main()->isEnabled());
@@ -441,6 +445,8 @@ void tst_UtilsSidebarItem::theSelectedIconIsNotGrey()
 
 void tst_UtilsSidebarItem::theIconIsSharpAtEveryScale_data()
 {
+    if (lacksSvg())
+        QSKIP("This Qt has no SVG plugin.");
     QTest::addColumn<qreal>("scale");
     for (const qreal scale : {1.0, 1.25, 1.5, 1.75, 2.0, 2.25, 2.5, 3.0})
         QTest::newRow(qPrintable(QStringLiteral("%1 %").arg(scale * 100))) << scale;
