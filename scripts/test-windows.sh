@@ -22,6 +22,8 @@ if [ -f "$qt" ]; then
     if [ ! -e "$unpacked/.unpacked" ] || [ "$qt" -nt "$unpacked/.unpacked" ]; then
         mkdir -p build/windows-qt
         tar xJf "$qt" -C build/windows-qt
+        # Qt's private headers include files that a build for Windows does not install and the host's does.
+        [ -e "$unpacked/mkspecs/common" ] || cp -r "$(qtpaths6 --query QT_HOST_DATA)/mkspecs/common" "$unpacked/mkspecs/"
         touch "$unpacked/.unpacked"
     fi
     qt=$unpacked
@@ -34,7 +36,7 @@ cmake --build --preset windows
 scripts/check-dll-exports.sh build/windows/bin/libUniProgUtils.dll UNIPROGUTILS_EXPORT include/*.h
 scripts/check-dll-exports.sh build/windows/bin/libUniProgTestKit.dll UNIPROGTESTKIT_EXPORT testkit/*.h
 
-# The system's device broadcasts need a window system, also for programs that show no window.
+# Native windows need a window system, and so do the system's device broadcasts.
 display=$(mktemp)
 Xvfb -displayfd 3 -screen 0 1280x1024x24 3>"$display" >/dev/null 2>&1 &
 xvfb=$!
@@ -62,6 +64,12 @@ UNIPROG_TEST_RESULTS=$PWD/$results ctest --preset windows --parallel "$(nproc)" 
 echo
 echo "Test programs that were run, and their counts:"
 grep -H '^Totals:' "$results"/*.txt | sed "s|^$results/||; s|\.txt:Totals:|:|; s|, 0 blacklisted||" || true
+echo
+echo "Tests that passed on the platform plugin of Windows, with native windows and messages:"
+for name in $(ctest --preset windows --show-only --label-regex native | sed -n 's/^ *Test *#[0-9]*: //p'); do
+    sed -n 's/^PASS *: \([^ ]*\)()$/  \1/p; s/^PASS *: \(.*(.*)\)$/  \1/p' "$results/$name.txt" |
+        grep -v '::\(init\|cleanup\)TestCase' || true
+done
 echo
 echo "Test programs that are not run on Windows:"
 sed '/^$/d; s/^/  /' build/windows/tests/skipped-on-windows.txt

@@ -1,5 +1,7 @@
 #include <UtilsDetectDeviceWindows.h>
 
+#include "UsbBus.h"
+
 #include <UniProgTest.h>
 
 #include <QApplication>
@@ -92,8 +94,11 @@ private Q_SLOTS:
     void aNameEndsAtItsNulOrWithItsBroadcast();
     void otherMessagesGoToTheSystem();
     void closingTheWindowEndsTheRegistrationAndTheNextOneWorks();
+    void theWatcherIsStartedAndClosedAsOftenAsOneLikes();
+    void closingAnEarlierWindowClosesTheLatestToo();
 
 private:
+    UsbBus bus;
     QStringList log;
 };
 
@@ -286,7 +291,45 @@ void tst_UtilsDetectDeviceWindows_Messages::closingTheWindowEndsTheRegistrationA
         send(WM_DEVICECHANGE, DBT_DEVICEARRIVAL, Broadcast(Path).data());
         QCOMPARE(log, QStringList(attached));
     }
-    send(WM_CLOSE, 0, nullptr);
+}
+
+void tst_UtilsDetectDeviceWindows_Messages::theWatcherIsStartedAndClosedAsOftenAsOneLikes()
+{
+    constexpr int Rounds = 5;
+    const QString attached = QStringLiteral("attached 1234 1a2b");
+    const QString detached = QStringLiteral("detached 1234 1a2b");
+    for (int round = 0; round < Rounds; ++round) {
+        send(WM_CLOSE, 0, nullptr);
+        QVERIFY(!IsWindow(watcher().getHwnd()));
+        log.clear();
+        bus.plugIn(QStringLiteral("unheard"), Vid, Pid);
+        QCOMPARE(log, QStringList());
+        QVERIFY(watcher().registerDeviceNotification(InterfaceClass));
+        QCOMPARE(log, QStringList()); // only a search finds what is present
+        watcher().registerDeviceByPidVid(Pid, Vid);
+        bus.plugIn(QStringLiteral("heard"), Vid, Pid);
+        QCOMPARE(log, QStringList({attached, attached}));
+        watcher().registerDeviceByPidVid(Pid, Vid); // two are present
+        bus.unplug(QStringLiteral("unheard"));
+        bus.unplug(QStringLiteral("heard"));
+        QCOMPARE(log, QStringList({attached, attached, attached, attached, detached, detached}));
+        QCOMPARE(watcher().getMonitoringDevices().size(), 1);
+    }
+}
+
+// What is ended is the stored registration and window, and then the system closes the window that got the message.
+void tst_UtilsDetectDeviceWindows_Messages::closingAnEarlierWindowClosesTheLatestToo()
+{
+    const HWND earlier = watcher().getHwnd();
+    QVERIFY(watcher().registerDeviceNotification(InterfaceClass));
+    const HWND latest = watcher().getHwnd();
+    QVERIFY(earlier != latest);
+    QVERIFY(IsWindow(earlier));
+    QVERIFY(IsWindow(latest));
+    SendMessageW(earlier, WM_CLOSE, 0, 0);
+    QVERIFY(!IsWindow(earlier));
+    QVERIFY(!IsWindow(latest));
+    QCOMPARE(watcher().getHwnd(), latest);
 }
 
 UNIPROG_TEST_MAIN(tst_UtilsDetectDeviceWindows_Messages)
