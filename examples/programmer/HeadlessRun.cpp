@@ -21,7 +21,7 @@ namespace {
 constexpr int PollInterval = 20; // ms
 constexpr int MillisecondsPerSecond = 1000;
 constexpr int FirstPictureDelay = 800; // ms: the dialog has faded in
-constexpr int FadeTime = 400; // ms: a dialog has faded in, with some reserve
+constexpr int FadeTime = 400; // ms: a dialog has faded in, or a section opened, with some reserve
 constexpr int PictureProgress = 40; // per cent
 constexpr int LargestStatus = 249; // that is its own exit code
 
@@ -88,8 +88,11 @@ int HeadlessRun::exec()
     }
     window->setAutoClose(false); // the result stays to be seen, until closeDialog()
     window->show();
-    savePicture(QStringLiteral("window"));
-    QTimer::singleShot(0, this, &HeadlessRun::startNext);
+    // A picture shows the sidebar when its section has opened.
+    QTimer::singleShot(commandLine.pictures.isEmpty() ? 0 : FadeTime, this, [this] {
+        savePicture(QStringLiteral("window"));
+        startNext();
+    });
     QTimer::singleShot(commandLine.timeout * MillisecondsPerSecond, this, [] {
         print(QStringLiteral("No answer in time."));
         QCoreApplication::exit(NoAnswer);
