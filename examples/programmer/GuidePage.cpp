@@ -28,7 +28,8 @@ GuidePage::GuidePage(ProgrammerSession *session, QWidget *parent)
     form->addRow(tr("Ctrl+1 to Ctrl+5"), paragraph(tr("the first page of a section")));
     form->addRow(tr("Ctrl+PgDown, Ctrl+PgUp"), paragraph(tr("the next page, the page before")));
     form->addRow(tr("Tab, Shift+Tab"), paragraph(tr("the next control of a page, the one before")));
-    form->addRow(tr("Menu key, Shift+F10"), paragraph(tr("help on the page")));
+    form->addRow(tr("Menu key, Shift+F10"),
+                 paragraph(tr("help on the page, from any control without a menu of its own")));
     body()->addWidget(keys);
     body()->addStretch();
 }

@@ -59,7 +59,7 @@ void SupplyPage::setupTable()
 {
     table->setObjectName(QStringLiteral("powerLevels"));
     table->setAccessibleName(tr("Voltages and currents"));
-    table->setHorizontalHeaderLabels({tr("Channel"), tr("Voltage"), tr("Current")});
+    table->setHorizontalHeaderLabels({tr("Channel"), tr("Voltage (V)"), tr("Current (A)")});
     table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     table->verticalHeader()->hide();
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -74,9 +74,8 @@ void SupplyPage::showLevels()
     for (int row = 0; row < table->rowCount(); ++row) {
         const ProgrammerSession::PowerLevel &level = levels.at(row);
         table->setItem(row, ChannelColumn, new QTableWidgetItem(QString::number(row)));
-        table->setItem(row, VoltageColumn,
-                       new QTableWidgetItem(tr("%1 V").arg(locale().toString(level.volts, 'f', VoltageDecimals))));
+        table->setItem(row, VoltageColumn, new QTableWidgetItem(locale().toString(level.volts, 'f', VoltageDecimals)));
         table->setItem(row, CurrentColumn,
-                       new QTableWidgetItem(tr("%1 A").arg(locale().toString(level.amperes, 'f', CurrentDecimals))));
+                       new QTableWidgetItem(locale().toString(level.amperes, 'f', CurrentDecimals)));
     }
 }
