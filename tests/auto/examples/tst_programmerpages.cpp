@@ -33,6 +33,7 @@ private Q_SLOTS:
     void anUnknownOptionValueIsKept();
     void theDeviceSignalsWhenItIsLookedFor();
     void settingsAreReadChangedAndStored();
+    void settingsAreStoredAsTheyWereRead();
     void settingsThatWereNotReadCannotBeStored();
     void aClockBetweenTwoKilohertzIsKept();
     void theDeviceIsUpdatedStepByStep();
@@ -141,6 +142,27 @@ void tst_ProgrammerPages::settingsAreReadChangedAndStored()
     QCOMPARE(changed.networkPassword, stored.networkPassword);
     QCOMPARE(changed.debugClock, 1500000U);
     QVERIFY(changed.wifiEnabled);
+}
+
+void tst_ProgrammerPages::settingsAreStoredAsTheyWereRead()
+{
+    ProgrammerApplication application;
+    TConfiguration stored;
+    stored.deviceName = QStringLiteral("Bench 3");
+    stored.networkName = QStringLiteral("workshop");
+    stored.networkPassword = QStringLiteral("open sesame");
+    stored.wifiEnabled = true;
+    stored.debugClock = 4000000;
+    application.session.programmer().setConfiguration(stored);
+    QVERIFY(application.runToSuccess(Operation::ReadConfiguration));
+    application.session.programmer().setConfiguration(TConfiguration());
+    QVERIFY(application.runToSuccess(Operation::StoreConfiguration));
+    const TConfiguration again = application.session.programmer().configuration();
+    QCOMPARE(again.deviceName, stored.deviceName);
+    QCOMPARE(again.networkName, stored.networkName);
+    QCOMPARE(again.networkPassword, stored.networkPassword);
+    QCOMPARE(again.wifiEnabled, stored.wifiEnabled);
+    QCOMPARE(again.debugClock, stored.debugClock);
 }
 
 void tst_ProgrammerPages::settingsThatWereNotReadCannotBeStored()
