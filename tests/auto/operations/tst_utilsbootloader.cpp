@@ -237,14 +237,15 @@ void tst_UtilsBootloader::openingAgainReplacesWhatWasRead()
     const QString path = write(imageBytes(1, lengthField(2), "v1payload"));
     UtilsBootloader image(path, Device, AnyDevice, AnySector);
     QVERIFY(image.openFile());
-    write(imageBytes(2, lengthField(0), "x"));
+    write(imageBytes(2, lengthField(1), "2x"));
     QVERIFY(image.openFile());
     QCOMPARE(image.getCrc(), 2U);
-    QCOMPARE(image.getFirmwareVersion(), QString());
+    QCOMPARE(image.getFirmwareVersion(), QStringLiteral("2"));
     QCOMPARE(image.getImageBuffer(), QByteArray("x"));
     QVERIFY(QFile::remove(path));
     QVERIFY(!image.openFile());
     QCOMPARE(image.getCrc(), 0U);
+    QCOMPARE(image.getFirmwareVersion(), QString());
     QCOMPARE(image.getImageBuffer(), QByteArray());
     QCOMPARE(image.getImageBufferSize(), 0);
 }
