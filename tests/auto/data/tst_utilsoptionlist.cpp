@@ -62,6 +62,22 @@ static QList<QString> entriesOf(const QComboBox *box)
     return entries;
 }
 
+// A style whose own spacing nobody takes for the panel's.
+class WideStyle : public QProxyStyle
+{
+public:
+    WideStyle()
+        : QProxyStyle(QStyleFactory::create("fusion"))
+    { }
+
+    int pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const override
+    {
+        if (metric == PM_LayoutHorizontalSpacing || metric == PM_LayoutVerticalSpacing)
+            return 50;
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+};
+
 void tst_UtilsOptionList::aNewListIsEmpty()
 {
     const UtilsOptionList list;
@@ -110,8 +126,10 @@ void tst_UtilsOptionList::thePanelHasARowAnOption()
     UtilsOptionList list;
     list.addOption("Speed")->addItem(1, "Slow");
     list.addOption("Clock");
+    WideStyle style;
     QWidget parent;
     QWidget *panel = list.createGraphicInterface(&parent);
+    panel->setStyle(&style);
     QCOMPARE(panel->parentWidget(), &parent);
     QCOMPARE(panel->minimumWidth(), 260);
     auto *grid = qobject_cast<QGridLayout *>(panel->layout());
