@@ -462,7 +462,9 @@ void tst_UtilsSourceFile::nothingElseIsCopiedToTheClipboard()
 void tst_UtilsSourceFile::theDialogAsksForAFlashImage()
 {
     choose(image);
-    const WithTheDialog user([](QFileDialog *dialog) {
+    QPointer<QFileDialog> shown;
+    const WithTheDialog user([&](QFileDialog *dialog) {
+        shown = dialog;
         QCOMPARE(dialog->nameFilters(), QStringList(QStringLiteral("Flash image files (*.bin *.hex)")));
         QCOMPARE(dialog->fileMode(), QFileDialog::AnyFile);
         QCOMPARE(dialog->acceptMode(), QFileDialog::AcceptOpen);
@@ -472,6 +474,7 @@ void tst_UtilsSourceFile::theDialogAsksForAFlashImage()
     });
     source->slotSearchFile();
     QVERIFY(user.seen);
+    QVERIFY(!shown);
     QVERIFY(!QApplication::activeModalWidget());
 }
 
