@@ -336,7 +336,10 @@ void tst_UtilsSidebar::buttonsOfOtherSectionsAreReset()
 void tst_UtilsSidebar::aWholeRunIsAnnounced()
 {
     QStringList log;
-    connect(sidebar, &UtilsSidebar::signalWidgetShown, this, [&log](QWidget *page) { log.append(page->objectName()); });
+    connect(sidebar, &UtilsSidebar::signalWidgetShown, this, [this, &log](QWidget *page) {
+        log.append(page->objectName());
+        QCOMPARE(sidebar->getUtilsStackedWidget()->currentWidget(), page); // already
+    });
     QLabel *flash = addPage("Flash", 0, Target);
     addPage("Memory", 1, Target);
     QLabel *supply = addPage("Supply", 0, Power);

@@ -25,6 +25,8 @@ private Q_SLOTS:
     void theOpacityIsForTheTrackOnly();
     void theThumbIsACircleAtItsPosition();
     void theCornersAreRound();
+    void trackAndThumbAreDrawnAsStated_data();
+    void trackAndThumbAreDrawnAsStated();
     void everyChangeOfLookRepaints_data();
     void everyChangeOfLookRepaints();
     void rightToLeftChangesNothing();
@@ -157,6 +159,44 @@ void tst_UtilsToggleSwitchLook::theCornersAreRound()
     for (const QPoint &corner : {QPoint(0, 0), QPoint(39, 0), QPoint(0, 19), QPoint(39, 19), QPoint(37, 1)})
         QCOMPARE(image.pixelColor(corner).alpha(), 0);
     QVERIFY(image.pixelColor(39, 10).alpha() > 200);
+}
+
+void tst_UtilsToggleSwitchLook::trackAndThumbAreDrawnAsStated_data()
+{
+    QTest::addColumn<bool>("on");
+    QTest::addColumn<double>("opacity");
+    QTest::newRow("off") << false << 1.0;
+    QTest::newRow("on") << true << 1.0;
+    QTest::newRow("half transparent") << true << 0.5;
+}
+
+void tst_UtilsToggleSwitchLook::trackAndThumbAreDrawnAsStated()
+{
+    QFETCH(bool, on);
+    QFETCH(double, opacity);
+    ShownSwitch toggle;
+    toggle.setBackgroundColorOff(Qt::darkGray);
+    toggle.setBackgroundColorOn(Qt::darkGreen);
+    toggle.setBorderColor(Qt::red);
+    toggle.setThumbColor(Qt::yellow);
+    toggle.setOpacity(opacity);
+    toggle.setChecked(on);
+    QVERIFY(isAtRest(toggle));
+
+    QImage expected(Size, QImage::Format_ARGB32_Premultiplied);
+    expected.fill(Qt::transparent);
+    QPainter painter(&expected);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setOpacity(opacity);
+    painter.setPen(QPen(QColor(255, 0, 0, 200), 1.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
+    painter.setBrush(on ? Qt::darkGreen : Qt::darkGray);
+    painter.drawRoundedRect(QRect(QPoint(), Size), 10, 10);
+    painter.setOpacity(1.0);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::yellow);
+    painter.drawEllipse(QPoint(on ? On : Off, 10), 10, 10);
+    painter.end();
+    QCOMPARE(imageOf(toggle), expected.convertToFormat(QImage::Format_ARGB32));
 }
 
 void tst_UtilsToggleSwitchLook::everyChangeOfLookRepaints_data()

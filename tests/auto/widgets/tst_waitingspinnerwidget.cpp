@@ -39,6 +39,8 @@ private Q_SLOTS:
     void aNewNumberOfLinesStartsAnew();
     void stoppingStartsAnew();
     void theRingIsDrawnAsStated();
+    void theRingIsDrawnLineByLine_data();
+    void theRingIsDrawnLineByLine();
     void noLinesAreNoDivision_data();
     void noLinesAreNoDivision();
     void theBackgroundIsLeftAlone();
@@ -389,6 +391,56 @@ void tst_WaitingSpinnerWidget::theRingIsDrawnAsStated()
 
     spinner.setRoundness(100);
     QVERIFY(imageOf(spinner).pixelColor(39, 18).alpha() < image.pixelColor(39, 18).alpha());
+}
+
+void tst_WaitingSpinnerWidget::theRingIsDrawnLineByLine_data()
+{
+    QTest::addColumn<int>("lines");
+    QTest::addColumn<int>("length");
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("radius");
+    QTest::addColumn<double>("roundness");
+    QTest::newRow("as usual") << 11 << 10 << 4 << 10 << 70.0;
+    QTest::newRow("an odd width") << 7 << 12 << 5 << 9 << 100.0;
+    QTest::newRow("square lines that touch") << 4 << 3 << 8 << 0 << 0.0;
+}
+
+void tst_WaitingSpinnerWidget::theRingIsDrawnLineByLine()
+{
+    QFETCH(int, lines);
+    QFETCH(int, length);
+    QFETCH(int, width);
+    QFETCH(int, radius);
+    QFETCH(double, roundness);
+    constexpr int Leading = 2;
+    const QColor colour(10, 120, 240, 200);
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.setColor(colour);
+    spinner.setNumberOfLines(lines);
+    spinner.setLineLength(length);
+    spinner.setLineWidth(width);
+    spinner.setInnerRadius(radius);
+    spinner.setRoundness(roundness);
+    for (int i = 0; i < Leading; ++i)
+        spinner.rotate();
+
+    QImage expected(spinner.size(), QImage::Format_ARGB32_Premultiplied);
+    expected.fill(Qt::transparent);
+    QPainter painter(&expected);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    for (int line = 0; line < lines; ++line) {
+        const int distance = WaitingSpinnerWidget::lineCountDistanceFromPrimary(line, Leading, lines);
+        painter.save();
+        painter.translate(radius + length, radius + length);
+        painter.rotate(360.0 * line / lines);
+        painter.translate(radius, 0);
+        painter.setBrush(WaitingSpinnerWidget::currentLineColor(distance, lines, 70.0, 15.0, colour));
+        painter.drawRoundedRect(QRect(0, -width / 2, length, width), roundness, roundness, Qt::RelativeSize);
+        painter.restore();
+    }
+    painter.end();
+    QCOMPARE(imageOf(spinner), expected.convertToFormat(QImage::Format_ARGB32));
 }
 
 void tst_WaitingSpinnerWidget::noLinesAreNoDivision_data()
