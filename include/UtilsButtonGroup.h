@@ -15,6 +15,8 @@ class QVariant;
 
 /// A row of checkable tool buttons of which one is checked: one selector in several pieces.
 ///
+/// \image html buttons.png
+///
 /// The style sheet finds the ends and the middle of the row by dynamic properties and may draw them as one: true are
 /// "button-group-left" of the first button, "button-group-middle" of those between and "button-group-right" of the last
 /// one. A lone button has none of them. The row runs from left to right in every layout, because a style sheet cannot

@@ -18,6 +18,8 @@ class QVBoxLayout;
 /// A message with an optional input: a line of text, a text, a number or a choice. What was entered is reported through
 /// accepted() before the dialog closes; who needs no value connects to QDialog::accepted().
 ///
+/// \image html dialogs-line.png
+///
 /// Thread: GUI thread only. Ownership: as UtilsDialogFrame, create it with new and let it delete itself. The inputs
 /// belong to the dialog and stand below the message in the order they were added.
 ///

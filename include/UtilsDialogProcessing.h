@@ -13,6 +13,8 @@ class UtilsDialogProcessingContent;
 /// The modal window that accompanies one device procedure: message, animated log, progress, and a Close button that
 /// slides in only when the user may close. After a success it closes by itself, unless it is told to stay.
 ///
+/// \image html processing-running.png
+///
 /// It is driven by the signals of a UtilsUniProgThread. Thread: GUI thread only; the signals of the worker arrive
 /// through queued connections. Ownership: create it with new; it deletes itself once it is closed (UtilsDialogFrame).
 /// The auto-close switch belongs to the application and must outlive the dialog.

@@ -16,6 +16,8 @@ class UtilsDialogTitlebar;
 /// its title bar and background, maximised by the title bar's button and, on Windows, resized by its edges, which are 4
 /// pixels wide. Otherwise it is an ordinary window with the system's frame.
 ///
+/// \image html window-resizable.png
+///
 /// Thread: GUI thread only. Ownership: as any QDialog; the window owns its content and title bar. In slots of accepted()
 /// and rejected() use deleteLater(): QDialog goes on with a window that is deleted there, to emit finished().
 ///

@@ -11,6 +11,8 @@ class QLabel;
 /// A cover for one widget: a semi-transparent frame over its parent that greys it out and keeps the mouse off its
 /// controls, with a message card in the middle.
 ///
+/// \image html cover.png
+///
 /// Unlike UtilsDialogFrame it is neither modal nor a window, and it is used again and again with show() and hide(). It
 /// always has the size of the parent it was created with, shown or not. It lies above the children that its parent had
 /// when it was created; raise() it above later ones. The keyboard still reaches what is below.

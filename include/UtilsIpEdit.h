@@ -29,6 +29,8 @@ public:
 /// An editor of an IPv4 address: four number fields with dots between them. The cursor moves on by itself when a field
 /// is full, and with the arrow keys at the ends of a field.
 ///
+/// \image html inputs.png
+///
 /// Addresses are numbers with the first field in the highest byte: 0xC0A80001 is 192.168.0.1. They are written from
 /// left to right in every language, so the editor does not mirror itself.
 ///

@@ -8,6 +8,8 @@
 /// A label that says when the pointer enters or leaves it and when it is clicked, for captions and pictures that act
 /// like buttons or open a hint.
 ///
+/// \image html labels.png
+///
 /// GUI thread only; owned by its Qt parent.
 ///
 ///     auto *label = new UtilsLabel(this, Qt::WindowFlags());

@@ -11,6 +11,8 @@ class QSpacerItem;
 
 /// A seven-segment read-out that is as wide as the number it shows: no empty digits in front of it, and none cut off.
 ///
+/// \image html inputs.png
+///
 /// GUI thread only; owned by its Qt parent.
 ///
 ///     auto *voltage = new UtilsLcdNumber(this, 3.3);

@@ -24,6 +24,8 @@ class UtilsSequentialAnimation;
 /// and revealed by an animation, strictly one after another. A host that closes when the work is done waits for
 /// signalLoggerAnimationsCompleted(), so that the user sees the last line.
 ///
+/// \image html logger.png
+///
 /// A burst does not hold the event loop. Of the messages that come in one turn of it, a hundred lines are complete when
 /// the function returns. A line beyond them has its row in the list at once, and gets its UtilsLoggerLine in one of the
 /// next turns, some milliseconds' worth in each; at the line limit it may leave without ever having had one, and the

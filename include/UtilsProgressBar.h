@@ -11,6 +11,8 @@ class UtilsSequentialAnimation;
 
 /// A progress bar that glides from value to value and tells the style sheet whether it shows progress or is busy.
 ///
+/// \image html progress.png
+///
 /// Its dynamic property "progressbar-type" is "regular" or, while the range is 0 to 0, "infinite"; a style sheet
 /// selects on it:
 ///

@@ -15,6 +15,8 @@ class UtilsStackedWidget;
 /// The navigation of the application: the five sections TARGET, BRAMLOCK, POWER, OPTIONS and HELP beside a stack of
 /// pages. Every registered page has a child button in its section, and checking the button shows the page.
 ///
+/// \image html sidebar.png
+///
 ///     UtilsSidebar *sidebar = UtilsSidebar::getInstance(&mainWindow);
 ///     layout->addWidget(sidebar->getSidebarWidget());
 ///     layout->addWidget(sidebar->getUtilsStackedWidget());

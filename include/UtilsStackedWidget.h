@@ -10,6 +10,8 @@ class UtilsFade;
 
 /// A stack of pages that can fade the current page out and the next one in.
 ///
+/// \image html containers.png
+///
 /// setCurrentIndex() and setCurrentWidget() hide the slots of QStackedWidget, which are not virtual: through a
 /// QStackedWidget pointer the plain ones are called and nothing fades. Connections made by name reach the ones here.
 ///

@@ -7,6 +7,8 @@
 
 /// A tab widget whose tab bar always spans the whole width, so that the tabs share it evenly.
 ///
+/// \image html containers.png
+///
 /// GUI thread only; owned by its Qt parent. Fill it like any QTabWidget:
 ///
 ///     auto *tabs = new UtilsTabWidget(this);

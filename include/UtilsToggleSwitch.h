@@ -10,6 +10,8 @@ class QPropertyAnimation;
 
 /// An on/off switch: a round thumb that slides along a track in the shape of a pill.
 ///
+/// \image html buttons.png
+///
 /// It is a checkable button without a text. Use it where a check box would do and the change takes effect at once; give
 /// it an accessible name, or make it the buddy of a label. The space key toggles it.
 ///

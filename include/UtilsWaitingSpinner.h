@@ -11,6 +11,8 @@ class WaitingSpinnerWidget;
 /// A modal dialog that asks the user to wait: a message above a turning spinner. It has no buttons, and no key closes
 /// it.
 ///
+/// \image html dialogs-waiting.png
+///
 /// Thread: GUI thread only. Ownership: create it with new. It stays until its owner closes it, which deletes it later.
 ///
 ///     QPointer<UtilsWaitingSpinner> waiting = new UtilsWaitingSpinner(window, tr("Starting the WiFi server..."));

@@ -12,6 +12,8 @@ class QTimer;
 /// A busy indicator: a ring of rounded bars of which one is fully opaque and those behind it fade, with a countdown of
 /// seconds in its middle if wanted.
 ///
+/// \image html progress.png
+///
 /// Use it where something takes a while and no progress is known. The spinner is hidden until start() and after stop().
 /// Its timer runs only while it turns and is on the screen. Assistive technology hears a progress bar that is busy, and
 /// the countdown as its value.
