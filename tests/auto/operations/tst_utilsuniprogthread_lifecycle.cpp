@@ -246,6 +246,14 @@ void tst_UtilsUniProgThreadLifecycle::anObjectThatWasMovedComesBackToItsHome()
     QCOMPARE(rig.log.lastStatus, 0);
     QCOMPARE(rig.log.completions, 1);
     QCOMPARE(rig.thread.thread(), QThread::currentThread());
+
+    // The other thread is the application's, and goes on.
+    QObject guest;
+    std::atomic_bool heard{false};
+    guest.moveToThread(&elsewhere);
+    QMetaObject::invokeMethod(&guest, [&heard] { heard = true; });
+    QVERIFY(spinUntil([&heard] { return heard.load(); }));
+    elsewhere.end();
 }
 
 void tst_UtilsUniProgThreadLifecycle::theEndOfAnotherThreadDoesNotBringTheObjectHome()
