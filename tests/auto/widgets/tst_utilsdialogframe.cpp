@@ -851,13 +851,28 @@ void tst_UtilsDialogFrame::contentAndLimits()
 
 void tst_UtilsDialogFrame::setFocusTakesAWidgetOrAReason()
 {
+    /// Remembers why it was given the focus.
+    class Edit : public QLineEdit
+    {
+    public:
+        Qt::FocusReason reason = Qt::NoFocusReason;
+
+    protected:
+        void focusInEvent(QFocusEvent *event) override
+        {
+            reason = event->reason();
+            QLineEdit::focusInEvent(event);
+        }
+    };
+
     const QPointer<UtilsDialogFrame> frame(new UtilsDialogFrame);
-    auto *edit = new QLineEdit;
+    auto *edit = new Edit;
     frame->setContent(edit);
     frame->show();
     QVERIFY(QTest::qWaitForWindowActive(frame));
     frame->setFocus(edit);
     QCOMPARE(QApplication::focusWidget(), edit);
+    QCOMPARE(edit->reason, Qt::OtherFocusReason);
     frame->setFocus(static_cast<QWidget *>(nullptr));
     QCOMPARE(QApplication::focusWidget(), edit);
     frame->setFocus();

@@ -229,6 +229,7 @@ void tst_UtilsDialogProcessing::theBarReturnsToBusy()
     dialog->slotUpdateProgressbar(-1);
     QVERIFY(dialog.isBusy());
     QCOMPARE(dialog.bar()->property("progressbar-type"), QVariant("infinite"));
+    QTRY_COMPARE(dialog.bar()->value(), 0);
 }
 
 void tst_UtilsDialogProcessing::shouldShowResultKnowsWhatStaysOpen_data()
