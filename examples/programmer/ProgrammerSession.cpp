@@ -15,8 +15,6 @@ constexpr qsizetype DeviceIdOffset = 0;
 constexpr qsizetype SectorSizeOffset = 6;
 constexpr qsizetype InfoSize = 8;
 
-/// A level is little-endian: millivolts (2 bytes) and milliamperes (2).
-constexpr int BytesPerLevel = 4;
 constexpr double Thousand = 1000.0;
 
 } // namespace

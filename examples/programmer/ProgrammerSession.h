@@ -168,6 +168,9 @@ Q_SIGNALS:
     void completed(ProgrammerSession::Operation operation, int status, const QString &message);
 
 private:
+    /// A level of a channel, little-endian: millivolts (2 bytes) and milliamperes (2).
+    static constexpr qsizetype BytesPerLevel = 4;
+
     void startTargetOperation();
     void startFirmwareOperation();
     void startDeviceOperation();
@@ -189,7 +192,7 @@ private:
     bool configurationKnown = false;
     unsigned char powerChannel = SimulatedProgrammer::SupplyChannel;
     float powerVoltage = DefaultVoltage;
-    QByteArray levels; ///< four bytes a channel
+    QByteArray levels; ///< BytesPerLevel a channel
     bool levelsKnown = false;
     TPowerInfo moduleInfo;
     bool capturing = false;

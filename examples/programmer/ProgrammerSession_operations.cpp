@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr int BytesPerLevel = 4;
 constexpr unsigned int CaptureParameter = 0; // the simulated target has nothing to choose
 constexpr int CaptureBufferSize = 1024;
 
