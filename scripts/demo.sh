@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and does the main job: a real firmware image is erased, written and verified on
-# a simulated programmer, and read back. With a display the example application shows it; without one, or with
-# --headless, the log is printed and pictures of the dialog are left in build/demo. With --emulated the target is a chip
-# that QEMU emulates, reached by the GDB remote protocol; it runs what was written, and says so on its serial line.
+# a simulated programmer, and read back. With a display the example application opens with the image chosen, and the user
+# presses Write; without one, or with --headless, all is done at once, the log is printed and pictures of the dialog are
+# left in build/demo. With --emulated the target is a chip that QEMU emulates, reached by the GDB remote protocol; it runs
+# what was written, and says so on its serial line.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -43,7 +44,8 @@ if [ "$emulated" = yes ]; then
     exit 0
 fi
 if [ "$headless" = no ]; then
-    exec build/dev/bin/programmer --operation write --image "$image" --verify
+    echo "Press Write: the image is chosen, and so is its verification."
+    exec build/dev/bin/programmer --image "$image" --verify
 fi
 
 rm -rf build/demo
