@@ -105,8 +105,8 @@ void bareQt(benchmark::State &state)
 }
 
 // First, and with few iterations: the height of memory is kept for the whole process.
-BENCHMARK(update)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(10);
-BENCHMARK(bareQt)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(10);
+BENCHMARK(update)->Name("update/UtilsBootloader")->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(10);
+BENCHMARK(bareQt)->Name("update/Qt")->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(10);
 
 } // namespace
 

@@ -1,7 +1,9 @@
 // A UtilsToggleSwitch beside a QCheckBox.
 //
 // "paint": one frame at 100, 200 and 300 % scale. "rest", "hidden": what the event loop does while nobody touches the
-// button, on the screen and on a hidden page. "toggling": a toggle every half second, with its animation.
+// button, on the screen and on a hidden page. "toggling": a toggle every half second, with its animation, which the
+// check box does not have. At 200 and 300 % a frame has 4 and 9 times as many pixels; all of the switch's are smoothed
+// curves.
 
 #include "BenchmarkMain.h"
 #include "WidgetWork.h"

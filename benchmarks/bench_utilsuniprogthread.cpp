@@ -151,7 +151,11 @@ void requestToCompletion(benchmark::State &state)
     state.counters["ratio"] = ours / theirs;
 }
 
-BENCHMARK(requestToCompletion)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(3000);
+BENCHMARK(requestToCompletion)
+    ->Name("request/UtilsUniProgThread")
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond)
+    ->Iterations(3000);
 
 } // namespace
 
