@@ -6,10 +6,10 @@ constexpr int FullProgress = 100; // per cent
 
 } // namespace
 
-SimulatedProgrammer::State::Call::Call(State &state, Operation op)
-    : s(state)
+SimulatedProgrammer::State::Call::Call(State &programmer, Operation op)
+    : s(programmer)
     , operation(op)
-    , lock(state.mutex)
+    , lock(programmer.mutex)
     , due(Clock::now())
 { }
 
@@ -93,9 +93,9 @@ int SimulatedProgrammer::State::Call::strike(const Fault &fault)
     case Effect::Delay:
         return standStill(std::chrono::milliseconds(fault.delay));
     case Effect::Hang: {
-        const quint64 releases = s.releases;
+        const quint64 releasesBefore = s.releases;
         s.hanging = true;
-        s.changed.wait(lock, [&] { return s.aborted || s.releases != releases; });
+        s.changed.wait(lock, [&] { return s.aborted || s.releases != releasesBefore; });
         s.hanging = false;
         due = Clock::now();
         return s.aborted ? LinkLost : Success;

@@ -167,7 +167,7 @@ public:
         bool corrupt = false;
     };
 
-    Call(State &state, Operation operation);
+    Call(State &programmer, Operation operation);
     ~Call();
 
     /// Counts the call and checks whether it may run. \a withFaults: whether planned faults apply.
