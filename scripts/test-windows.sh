@@ -3,14 +3,15 @@
 #
 # UNIPROG_WINDOWS_QT names a Qt 6 for Windows that mingw-w64 built: a folder, or a .tar.xz archive of a folder with the
 # archive's name, which is unpacked below build/. Without it ../shared/windows/qt-6.4.2-mingw64.tar.xz beside the checkout
-# is taken; when that is missing too, nothing can be built and the script fails.
+# is taken; when that is missing too, nothing can be built and the script fails: scripts/build-qt-for-windows.sh makes one.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 default_archive=../shared/windows/qt-6.4.2-mingw64.tar.xz
 qt=${UNIPROG_WINDOWS_QT:-$default_archive}
 if [ ! -e "$qt" ]; then
-    echo "There is no Qt for Windows at $qt: set UNIPROG_WINDOWS_QT to its folder or archive." >&2
+    echo "There is no Qt for Windows at $qt: set UNIPROG_WINDOWS_QT to its folder or archive," >&2
+    echo "or let scripts/build-qt-for-windows.sh build one, which takes a quarter of an hour." >&2
     exit 1
 fi
 
@@ -31,8 +32,12 @@ fi
 UNIPROG_WINDOWS_QT=$(realpath "$qt")
 export UNIPROG_WINDOWS_QT
 
+# What one checkout has compiled serves every other one.
+export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+
 cmake --preset windows --log-level=WARNING
 cmake --build --preset windows
+scripts/check-dll-exports.sh build/windows/bin/libUniProgCore.dll UNIPROGCORE_EXPORT core/*.h
 scripts/check-dll-exports.sh build/windows/bin/libUniProgUtils.dll UNIPROGUTILS_EXPORT include/*.h
 scripts/check-dll-exports.sh build/windows/bin/libUniProgTestKit.dll UNIPROGTESTKIT_EXPORT testkit/*.h
 
