@@ -28,20 +28,16 @@ private Q_SLOTS:
 
     void theTranscriptIsExact_data();
     void theTranscriptIsExact();
-    void aWrongCommandLineIsRefused_data();
-    void aWrongCommandLineIsRefused();
     void aTargetThatDiffersIsFound();
     void aHangEndsWithTheTimeout();
     void whatWasReadIsStored();
     void picturesAreLeft();
     void thePasswordMayComeFromTheEnvironment();
-    void theHelpNamesEveryOperation();
 
 private:
     QString path(const char *name) const;
     void store(const char *name, const QByteArray &bytes) const;
     std::unique_ptr<QProcess> create(const QStringList &arguments) const;
-    std::unique_ptr<QProcess> run(const QStringList &arguments) const;
     void add(const QString &name, const QStringList &arguments);
     void startNext();
     QProcess *finished(const QString &name) const;
@@ -512,14 +508,6 @@ std::unique_ptr<QProcess> tst_ProgrammerExample::create(const QStringList &argum
     return process;
 }
 
-std::unique_ptr<QProcess> tst_ProgrammerExample::run(const QStringList &arguments) const
-{
-    std::unique_ptr<QProcess> process = create(arguments);
-    process->start();
-    process->waitForFinished(LongWait);
-    return process;
-}
-
 /// Plans a run with the image.
 void tst_ProgrammerExample::add(const QString &name, const QStringList &arguments)
 {
@@ -564,52 +552,6 @@ void tst_ProgrammerExample::theTranscriptIsExact()
     QVERIFY(!output.contains(Password));
     QCOMPARE(withoutTimes(output), lines);
     QCOMPARE(process->exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process->exitCode(), exitCode);
-}
-
-void tst_ProgrammerExample::aWrongCommandLineIsRefused_data()
-{
-    QTest::addColumn<int>("exitCode");
-    QTest::addColumn<QString>("problem");
-    const auto row = [](const char *arguments, int exitCode, const char *problem) {
-        QTest::newRow(arguments) << exitCode << QString::fromLatin1(problem);
-    };
-    row("--operation solder", UsageError, "There is no operation \"solder\"");
-    row("--operation write", UsageError, "choose an image");
-    row("--operation detect --compare", UsageError, "choose an image");
-    row("--operation detect --output x.hex", UsageError, "nothing to store");
-    row("--operation detect --option 1", UsageError, "N=V");
-    row("--operation detect --connection-option five=1", UsageError, "N=V");
-    row("--operation detect --speed nan", UsageError, "is no speed");
-    row("--operation detect --base 0x100000000", UsageError, "is no address");
-    row("--operation detect --timeout 0", UsageError, "is no time");
-    row("--operation detect --fault smoke", UsageError, "smoke");
-    row("--operation detect --colour red", UsageError, "colour");
-    row("--operation detect image.hex", UsageError, "image.hex");
-    for (const char *const id :
-         {"1209", "1209:", ":0001", "1209:0001:2", "12345:0001", "-1:0001", "0x1209:1", "12g9:1"})
-        row(qPrintable(QStringLiteral("--operation detect --watch %1").arg(QLatin1String(id))), UsageError,
-            "USB devices are given as VID:PID");
-    row("--operation detect --theme pink", UsageError, "There is no theme");
-    row("--operation update-device", UsageError, "choose an image");
-    row("--operation update-device --operation write --image x", UsageError, "run the program twice");
-    row("--operation update-device --image missing.fw", FileError, "cannot be opened");
-    row("--operation detect --password-file missing.txt", UsageError, "cannot be read");
-    row("--operation detect --password secret", UsageError, "password");
-    row("--headless", UsageError, "say what to do with --operation");
-    row("--operation write --image missing.hex", FileError, "There is no file");
-#ifdef Q_OS_UNIX
-    row("--operation detect --pictures /dev/null/pictures", FileError, "cannot be made");
-#endif
-}
-
-void tst_ProgrammerExample::aWrongCommandLineIsRefused()
-{
-    QFETCH(int, exitCode);
-    QFETCH(QString, problem);
-    const std::unique_ptr<QProcess> process = run(QString::fromLatin1(QTest::currentDataTag()).split(u' '));
-    const QString output = programOutput(process->readAll());
-    QVERIFY2(output.contains(problem), qPrintable(output));
     QCOMPARE(process->exitCode(), exitCode);
 }
 
@@ -671,16 +613,6 @@ void tst_ProgrammerExample::thePasswordMayComeFromTheEnvironment()
     QVERIFY(process->waitForFinished(LongWait));
     QCOMPARE(process->exitCode(), 0);
     QVERIFY(!process->readAll().contains(Password));
-}
-
-void tst_ProgrammerExample::theHelpNamesEveryOperation()
-{
-    const std::unique_ptr<QProcess> process = run({QStringLiteral("--help")});
-    const QString help = programOutput(process->readAll());
-    QCOMPARE(process->exitCode(), 0);
-    for (const char *const name : {"write", "read", "verify", "blank", "detect", "erase", "reset", "device-connect",
-                                   "update-device", "update-power", "--wifi", "--update-url", "--watch"})
-        QVERIFY2(help.contains(QLatin1String(name)), name);
 }
 
 UNIPROG_TEST_MAIN(tst_ProgrammerExample)
