@@ -12,7 +12,9 @@ bool spinUntil(const std::function<bool()> &condition)
             loop.exit(0);
     });
     look.start(1);
-    QTimer::singleShot(TestLimitMs, &loop, [&] { loop.exit(1); });
+    QTimer limit; // a single shot would live on for all of its time
+    QObject::connect(&limit, &QTimer::timeout, &loop, [&] { loop.exit(1); });
+    limit.start(TestLimitMs);
     return loop.exec() == 0;
 }
 
