@@ -6,7 +6,7 @@ using Effect = SimulatedProgrammer::Effect;
 namespace {
 
 constexpr int Percent = 100;
-constexpr int MaximumFaults = 4; // most of which meet an operation that the request has no use for
+constexpr int MaximumFaults = 12; // most of which meet an operation that the request has no use for
 constexpr int WriteChance = 1; // a write sleeps for half a second
 constexpr int SectorSize = 1024;
 constexpr int FlashSize = 8 * SectorSize;
@@ -85,6 +85,8 @@ void SoakLane::planFault()
 void SoakLane::begin()
 {
     programmer.clearFaults();
+    if (programmer.isConnected())
+        programmer.loseLink(); // the device did not let go, and is plugged in anew
     programmer.takeCalls();
     programmer.clearRecord();
     plannedFaults.clear();
