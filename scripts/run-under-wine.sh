@@ -21,7 +21,8 @@ runtime=$(dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name=libstdc++-6.d
 folder=$(dirname "$(realpath "$program")")
 # Beside the program or, for one in a folder of its own, a step above it.
 WINEPATH="$(windows_path "$folder");$(windows_path "$(dirname "$folder")");$(windows_path "$qt/bin");$(windows_path "$runtime")"
-export WINEPATH="$WINEPATH;$(windows_path /usr/x86_64-w64-mingw32/lib)"
+WINEPATH="$WINEPATH;$(windows_path /usr/x86_64-w64-mingw32/lib)"
+export WINEPATH
 # Wine drops the variables that begin with QT_, and gives those that begin with WINEQT_ on without WINE.
 export WINEQT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}
 export WINEQT_QPA_FONTDIR=${QT_QPA_FONTDIR:-$(windows_path /usr/share/fonts/truetype/open-sans)}
