@@ -36,6 +36,13 @@ private:
     std::thread thread;
 };
 
+/// A connected device without a target, without waiting.
+inline void connectDevice(SimulatedProgrammer &programmer)
+{
+    programmer.setTimeScale(0);
+    QCOMPARE(programmer.Connect(OPERATION_TYPE_CONFIGURATION), 0);
+}
+
 /// From nothing to a connected target, without waiting.
 inline void connectAll(SimulatedProgrammer &programmer, int flag = 1)
 {

@@ -3,14 +3,12 @@
 #include <UniProgTest.h>
 
 #include <QApplication>
-#include <QtEndian>
 
 #include <limits>
 
 static constexpr int BlockSize = SimulatedProgrammer::BootloaderBlockSize;
 static constexpr int SectorSize = SimulatedProgrammer::BootloaderSectorSize;
 static constexpr int FlashSize = 480 * 1024;
-static constexpr int Supply = SimulatedProgrammer::SupplyChannel;
 
 /// The same questions to both bootloaders.
 struct Loader
@@ -62,24 +60,13 @@ struct Loader
     }
 };
 
-class tst_SimulatedModules : public UniProgTest
+class tst_SimulatedBootloaders : public UniProgTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void crcIsThatOfZlib_data();
     void crcIsThatOfZlib();
-
-    void channelsAreSwitchedAndSet();
-    void thereAreSixteenChannels();
-    void voltagesHaveLimits_data();
-    void voltagesHaveLimits();
-    void theSupplyPinIsMeasured();
-    void anExternalSupplyIsNotFoughtAgainst();
-    void readingsFillTheBuffer_data();
-    void readingsFillTheBuffer();
-    void thePowerModuleTellsOfItself();
-    void theSavedConfigurationComesBackWithAReset();
 
     void anUpdateIsTakenOver_data();
     void anUpdateIsTakenOver();
@@ -116,20 +103,14 @@ static QByteArray payload(int size)
     return data;
 }
 
-static void connectDevice(SimulatedProgrammer &programmer)
-{
-    programmer.setTimeScale(0);
-    QCOMPARE(programmer.Connect(OPERATION_TYPE_CONFIGURATION), 0);
-}
-
-void tst_SimulatedModules::bothLoaders()
+void tst_SimulatedBootloaders::bothLoaders()
 {
     QTest::addColumn<bool>("power");
     QTest::newRow("device") << false;
     QTest::newRow("power module") << true;
 }
 
-void tst_SimulatedModules::crcIsThatOfZlib_data()
+void tst_SimulatedBootloaders::crcIsThatOfZlib_data()
 {
     QTest::addColumn<QByteArray>("data");
     QTest::addColumn<quint32>("crc");
@@ -141,178 +122,14 @@ void tst_SimulatedModules::crcIsThatOfZlib_data()
     QTest::newRow("text") << QByteArray("The quick brown fox jumps over the lazy dog") << 0x414FA339U;
 }
 
-void tst_SimulatedModules::crcIsThatOfZlib()
+void tst_SimulatedBootloaders::crcIsThatOfZlib()
 {
     QFETCH(QByteArray, data);
     QFETCH(quint32, crc);
     QCOMPARE(SimulatedProgrammer::crc32(data), crc);
 }
 
-void tst_SimulatedModules::channelsAreSwitchedAndSet()
-{
-    SimulatedProgrammer programmer;
-    connectDevice(programmer);
-    for (int channel = 0; channel < SimulatedProgrammer::PowerChannelCount; ++channel) {
-        const auto number = static_cast<unsigned char>(channel);
-        QCOMPARE(programmer.isPowerChannelOn(channel), channel == Supply);
-        QCOMPARE(programmer.PowerSwitch(number, 255), 0);
-        QVERIFY(programmer.isPowerChannelOn(channel));
-        QCOMPARE(programmer.PowerSetVoltage(number, 2.5F), 0);
-        QCOMPARE(programmer.powerChannelVoltage(channel), 2.5F);
-        QCOMPARE(programmer.PowerSwitch(number, 0), 0);
-        QVERIFY(!programmer.isPowerChannelOn(channel));
-        QCOMPARE(programmer.powerChannelVoltage(channel), 2.5F);
-    }
-    QCOMPARE(programmer.PowerSetBatteryOptions(0xFFFFFFFF), 0);
-    QCOMPARE(programmer.batteryOptions(), 0xFFFFFFFF);
-}
-
-void tst_SimulatedModules::thereAreSixteenChannels()
-{
-    SimulatedProgrammer programmer;
-    connectDevice(programmer);
-    for (const unsigned char channel : {16, 255}) {
-        QCOMPARE(programmer.PowerSwitch(channel, 1), int(SimulatedProgrammer::InvalidArgument));
-        QCOMPARE(programmer.PowerSetVoltage(channel, 3.0F), int(SimulatedProgrammer::InvalidArgument));
-    }
-    for (const int channel : {-1, 16, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
-        QVERIFY(!programmer.isPowerChannelOn(channel));
-        QCOMPARE(programmer.powerChannelVoltage(channel), 0.0F);
-    }
-}
-
-void tst_SimulatedModules::voltagesHaveLimits_data()
-{
-    QTest::addColumn<float>("volts");
-    QTest::addColumn<bool>("accepted");
-
-    QTest::newRow("lowest") << 1.2F << true;
-    QTest::newRow("highest") << 5.5F << true;
-    QTest::newRow("too low") << 1.1F << false;
-    QTest::newRow("too high") << 5.6F << false;
-    QTest::newRow("negative") << -3.3F << false;
-    QTest::newRow("infinite") << std::numeric_limits<float>::infinity() << false;
-    QTest::newRow("no number") << std::numeric_limits<float>::quiet_NaN() << false;
-}
-
-void tst_SimulatedModules::voltagesHaveLimits()
-{
-    QFETCH(float, volts);
-    QFETCH(bool, accepted);
-    SimulatedProgrammer programmer;
-    connectDevice(programmer);
-    const float before = programmer.powerChannelVoltage(2);
-    QCOMPARE(programmer.PowerSetVoltage(2, volts), accepted ? 0 : int(SimulatedProgrammer::WrongVoltage));
-    QCOMPARE(programmer.powerChannelVoltage(2), accepted ? volts : before);
-}
-
-void tst_SimulatedModules::theSupplyPinIsMeasured()
-{
-    SimulatedProgrammer programmer;
-    connectDevice(programmer);
-    TPowerSupplyState supply;
-    QCOMPARE(programmer.PowerGetSupplyState(&supply), 0);
-    QCOMPARE(supply.state, 0);
-    QCOMPARE(supply.level, 3.3F);
-
-    QCOMPARE(programmer.PowerSetVoltage(Supply, 1.8F), 0);
-    QCOMPARE(programmer.PowerGetSupplyState(&supply), 0);
-    QCOMPARE(supply.level, 1.8F);
-
-    QCOMPARE(programmer.PowerSwitch(Supply, 0), 0);
-    QCOMPARE(programmer.PowerGetSupplyState(&supply), 0);
-    QCOMPARE(supply.level, 0.0F);
-
-    programmer.setExternalSupply(5.0F);
-    programmer.setExternalSupply(-1.0F);
-    programmer.setExternalSupply(std::numeric_limits<float>::quiet_NaN());
-    QCOMPARE(programmer.PowerGetSupplyState(&supply), 0);
-    QCOMPARE(supply.state, 1);
-    QCOMPARE(supply.level, 5.0F);
-
-    programmer.setExternalSupply(0);
-    QCOMPARE(programmer.PowerGetSupplyState(&supply), 0);
-    QCOMPARE(supply.state, 0);
-    QCOMPARE(supply.level, 0.0F);
-}
-
-void tst_SimulatedModules::anExternalSupplyIsNotFoughtAgainst()
-{
-    SimulatedProgrammer programmer;
-    connectDevice(programmer);
-    programmer.setExternalSupply(3.0F);
-    QCOMPARE(programmer.PowerSwitch(Supply, 1), int(SimulatedProgrammer::PoweredExternally));
-    QCOMPARE(programmer.PowerSetVoltage(Supply, 3.0F), int(SimulatedProgrammer::PoweredExternally));
-    QCOMPARE(programmer.PowerSwitch(Supply, 0), 0);
-    QCOMPARE(programmer.PowerSwitch(0, 1), 0);
-    QCOMPARE(programmer.PowerSetVoltage(0, 3.0F), 0);
-    QCOMPARE(programmer.refusals(), QStringList());
-}
-
-void tst_SimulatedModules::readingsFillTheBuffer_data()
-{
-    QTest::addColumn<int>("size");
-    for (const int size : {0, 1, 53, 64, 100})
-        QTest::newRow(qPrintable(QString::number(size))) << size;
-}
-
-void tst_SimulatedModules::readingsFillTheBuffer()
-{
-    QFETCH(int, size);
-    QByteArray expected(100, '\0');
-    qToLittleEndian(quint16(1500), expected.data());
-    qToLittleEndian(quint16(10), expected.data() + 2);
-    qToLittleEndian(quint16(3300), expected.data() + 4 * Supply);
-    qToLittleEndian(quint16(10), expected.data() + 4 * Supply + 2);
-
-    SimulatedProgrammer programmer;
-    connectDevice(programmer);
-    QCOMPARE(programmer.PowerSetVoltage(0, 1.5F), 0);
-    QCOMPARE(programmer.PowerSwitch(0, 1), 0);
-    QCOMPARE(programmer.PowerSetVoltage(1, 1.5F), 0);
-    QByteArray buffer(101, '#');
-    QCOMPARE(programmer.PowerGetReadings(reinterpret_cast<unsigned char *>(buffer.data()), size), 0);
-    QCOMPARE(buffer, expected.left(size) + QByteArray(101 - size, '#'));
-}
-
-void tst_SimulatedModules::thePowerModuleTellsOfItself()
-{
-    SimulatedProgrammer programmer;
-    connectDevice(programmer);
-    TPowerInfo info;
-    QCOMPARE(programmer.PowerGetInfo(&info), 0);
-    QCOMPARE(info.channelCount, 16);
-
-    TPowerInfo other;
-    other.firmwareVersion = 0x0203;
-    other.batteryPresent = true;
-    other.batteryLevel = 42;
-    programmer.setPowerInfo(other);
-    QCOMPARE(programmer.PowerGetInfo(&info), 0);
-    QCOMPARE(info.firmwareVersion, 0x0203);
-    QVERIFY(info.batteryPresent);
-    QCOMPARE(info.batteryLevel, 42);
-}
-
-void tst_SimulatedModules::theSavedConfigurationComesBackWithAReset()
-{
-    SimulatedProgrammer programmer;
-    connectDevice(programmer);
-    QCOMPARE(programmer.PowerSwitch(3, 1), 0);
-    QCOMPARE(programmer.PowerSetBatteryOptions(7), 0);
-    QCOMPARE(programmer.PowerSaveConfiguration(), 0);
-    QCOMPARE(programmer.PowerSwitch(3, 0), 0);
-    QCOMPARE(programmer.PowerSwitch(4, 1), 0);
-    QCOMPARE(programmer.PowerSetBatteryOptions(8), 0);
-
-    QCOMPARE(programmer.PowerBootloaderActivate(), 0);
-    QCOMPARE(programmer.PowerBootloaderReset(), 0);
-    QVERIFY(programmer.isPowerChannelOn(3));
-    QVERIFY(!programmer.isPowerChannelOn(4));
-    QCOMPARE(programmer.batteryOptions(), 7U);
-}
-
-void tst_SimulatedModules::anUpdateIsTakenOver_data()
+void tst_SimulatedBootloaders::anUpdateIsTakenOver_data()
 {
     QTest::addColumn<bool>("power");
     QTest::addColumn<int>("size");
@@ -324,7 +141,7 @@ void tst_SimulatedModules::anUpdateIsTakenOver_data()
     }
 }
 
-void tst_SimulatedModules::anUpdateIsTakenOver()
+void tst_SimulatedBootloaders::anUpdateIsTakenOver()
 {
     QFETCH(bool, power);
     QFETCH(int, size);
@@ -344,12 +161,12 @@ void tst_SimulatedModules::anUpdateIsTakenOver()
     QCOMPARE(programmer.refusals(), QStringList());
 }
 
-void tst_SimulatedModules::aWrongCrcKeepsTheBootloaderActive_data()
+void tst_SimulatedBootloaders::aWrongCrcKeepsTheBootloaderActive_data()
 {
     bothLoaders();
 }
 
-void tst_SimulatedModules::aWrongCrcKeepsTheBootloaderActive()
+void tst_SimulatedBootloaders::aWrongCrcKeepsTheBootloaderActive()
 {
     QFETCH(bool, power);
     SimulatedProgrammer programmer;
@@ -373,12 +190,12 @@ void tst_SimulatedModules::aWrongCrcKeepsTheBootloaderActive()
     QVERIFY(!loader.isActive());
 }
 
-void tst_SimulatedModules::nothingIsWrittenBeforeTheErase_data()
+void tst_SimulatedBootloaders::nothingIsWrittenBeforeTheErase_data()
 {
     bothLoaders();
 }
 
-void tst_SimulatedModules::nothingIsWrittenBeforeTheErase()
+void tst_SimulatedBootloaders::nothingIsWrittenBeforeTheErase()
 {
     QFETCH(bool, power);
     SimulatedProgrammer programmer;
@@ -397,7 +214,7 @@ void tst_SimulatedModules::nothingIsWrittenBeforeTheErase()
     QCOMPARE(programmer.refusals().size(), 2);
 }
 
-void tst_SimulatedModules::blocksAreWholeAndAligned_data()
+void tst_SimulatedBootloaders::blocksAreWholeAndAligned_data()
 {
     QTest::addColumn<bool>("power");
     QTest::addColumn<qint64>("offset");
@@ -422,7 +239,7 @@ void tst_SimulatedModules::blocksAreWholeAndAligned_data()
     }
 }
 
-void tst_SimulatedModules::blocksAreWholeAndAligned()
+void tst_SimulatedBootloaders::blocksAreWholeAndAligned()
 {
     QFETCH(bool, power);
     QFETCH(qint64, offset);
@@ -440,12 +257,12 @@ void tst_SimulatedModules::blocksAreWholeAndAligned()
     QCOMPARE(programmer.bytesWritten(), 0);
 }
 
-void tst_SimulatedModules::aBlockIsWrittenOnErasedFlashOnly_data()
+void tst_SimulatedBootloaders::aBlockIsWrittenOnErasedFlashOnly_data()
 {
     bothLoaders();
 }
 
-void tst_SimulatedModules::aBlockIsWrittenOnErasedFlashOnly()
+void tst_SimulatedBootloaders::aBlockIsWrittenOnErasedFlashOnly()
 {
     QFETCH(bool, power);
     SimulatedProgrammer programmer;
@@ -466,12 +283,12 @@ void tst_SimulatedModules::aBlockIsWrittenOnErasedFlashOnly()
     QCOMPARE(loader.firmware(SectorSize + 1).right(inside + 1), QByteArray(inside, '\x55') + QByteArray(1, '\0'));
 }
 
-void tst_SimulatedModules::erasesStayInsideTheFlash_data()
+void tst_SimulatedBootloaders::erasesStayInsideTheFlash_data()
 {
     bothLoaders();
 }
 
-void tst_SimulatedModules::erasesStayInsideTheFlash()
+void tst_SimulatedBootloaders::erasesStayInsideTheFlash()
 {
     QFETCH(bool, power);
     SimulatedProgrammer programmer;
@@ -496,12 +313,12 @@ void tst_SimulatedModules::erasesStayInsideTheFlash()
     QCOMPARE(loader.firmware(FlashSize), QByteArray(2 * SectorSize, '\xFF') + before.mid(2 * SectorSize));
 }
 
-void tst_SimulatedModules::sizesAreChecked_data()
+void tst_SimulatedBootloaders::sizesAreChecked_data()
 {
     bothLoaders();
 }
 
-void tst_SimulatedModules::sizesAreChecked()
+void tst_SimulatedBootloaders::sizesAreChecked()
 {
     QFETCH(bool, power);
     SimulatedProgrammer programmer;
@@ -518,12 +335,12 @@ void tst_SimulatedModules::sizesAreChecked()
     QCOMPARE(loader.firmware(std::numeric_limits<int>::max()).size(), FlashSize);
 }
 
-void tst_SimulatedModules::bootloaderCommandsNeedTheBootloader_data()
+void tst_SimulatedBootloaders::bootloaderCommandsNeedTheBootloader_data()
 {
     bothLoaders();
 }
 
-void tst_SimulatedModules::bootloaderCommandsNeedTheBootloader()
+void tst_SimulatedBootloaders::bootloaderCommandsNeedTheBootloader()
 {
     QFETCH(bool, power);
     SimulatedProgrammer programmer;
@@ -542,12 +359,12 @@ void tst_SimulatedModules::bootloaderCommandsNeedTheBootloader()
                    : QStringLiteral("BootloaderErase: the device is not in its bootloader"));
 }
 
-void tst_SimulatedModules::theBootloaderOutlivesADisconnection_data()
+void tst_SimulatedBootloaders::theBootloaderOutlivesADisconnection_data()
 {
     bothLoaders();
 }
 
-void tst_SimulatedModules::theBootloaderOutlivesADisconnection()
+void tst_SimulatedBootloaders::theBootloaderOutlivesADisconnection()
 {
     QFETCH(bool, power);
     SimulatedProgrammer programmer;
@@ -565,7 +382,7 @@ void tst_SimulatedModules::theBootloaderOutlivesADisconnection()
     QCOMPARE(loader.write(0, payload(BlockSize)), 0);
 }
 
-void tst_SimulatedModules::anEmptyPowerImageIsAccepted()
+void tst_SimulatedBootloaders::anEmptyPowerImageIsAccepted()
 {
     SimulatedProgrammer programmer;
     connectDevice(programmer);
@@ -581,7 +398,7 @@ void tst_SimulatedModules::anEmptyPowerImageIsAccepted()
     QCOMPARE(programmer.sectorsErased(), 0);
 }
 
-void tst_SimulatedModules::theDeviceOffersOnlyItsBootloader()
+void tst_SimulatedBootloaders::theDeviceOffersOnlyItsBootloader()
 {
     SimulatedProgrammer programmer;
     connectAll(programmer);
@@ -602,7 +419,7 @@ void tst_SimulatedModules::theDeviceOffersOnlyItsBootloader()
     QCOMPARE(programmer.FindDevice(), 0);
 }
 
-void tst_SimulatedModules::thePowerModuleOffersOnlyItsBootloader()
+void tst_SimulatedBootloaders::thePowerModuleOffersOnlyItsBootloader()
 {
     SimulatedProgrammer programmer;
     connectDevice(programmer);
@@ -626,7 +443,7 @@ void tst_SimulatedModules::thePowerModuleOffersOnlyItsBootloader()
     QCOMPARE(programmer.PowerSwitch(0, 1), 0);
 }
 
-void tst_SimulatedModules::theBootloaderTellsOfItself()
+void tst_SimulatedBootloaders::theBootloaderTellsOfItself()
 {
     SimulatedProgrammer programmer;
     connectDevice(programmer);
@@ -639,6 +456,5 @@ void tst_SimulatedModules::theBootloaderTellsOfItself()
     QCOMPARE(info, QByteArray("other"));
 }
 
-UNIPROG_TEST_MAIN(tst_SimulatedModules)
-
-#include "tst_simulatedmodules.moc"
+UNIPROG_TEST_MAIN(tst_SimulatedBootloaders)
+#include "tst_simulatedbootloaders.moc"
