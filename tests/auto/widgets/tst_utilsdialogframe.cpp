@@ -1,46 +1,26 @@
-#include <UtilsDialogFrame.h>
-#include <UtilsSingleInstance.h>
+#include "DialogFrameTest.h"
 
 #include <ContextTranslator.h>
 #include <ReferenceAnimation.h>
-#include <UniProgTest.h>
 
-#include <QApplication>
-#include <QCloseEvent>
 #include <QFrame>
 #include <QGraphicsDropShadowEffect>
 #include <QGraphicsOpacityEffect>
 #include <QLabel>
 #include <QLayout>
-#include <QLineEdit>
 #include <QPointer>
-#include <QPushButton>
 #include <QSignalSpy>
-#include <QTimer>
-#include <QToolButton>
 
 #include <algorithm>
 
-using Way = void (*)(UtilsDialogFrame *);
-Q_DECLARE_METATYPE(Way)
 Q_DECLARE_METATYPE(QLayout *)
 
-static constexpr int Patience = 10'000; // milliseconds, a cap and no measure
-
-/// Deletes what deleteLater() scheduled, as the next turn of the event loop does.
-static void turnTheEventLoop()
-{
-    QCoreApplication::processEvents();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-class tst_UtilsDialogFrame : public UniProgTest
+// What the frame is made of, what it covers, how it appears, and its operations.
+class tst_UtilsDialogFrame : public DialogFrameTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void cleanup();
-
     void theWindowIsFramelessTranslucentAndModal();
     void theFormHasItsFramesAndProperties();
     void theButtonsAreAsTheStyleExpects();
@@ -57,41 +37,11 @@ private Q_SLOTS:
     void theCardFadesInAndGetsItsShadow();
     void theFadeMayEndTwiceAndTheShadowMayBeGone();
 
-    void everyWayOfClosingDeletesTheFrame_data();
-    void everyWayOfClosingDeletesTheFrame();
-    void aClosedFrameMayBeClosedAgainFromItsSignals_data();
-    void aClosedFrameMayBeClosedAgainFromItsSignals();
-    void closeInsideASlotComesToAnEnd();
-    void aHiddenFrameIsNotShownAgain();
-    void aFrameStaysVisibleAndDisabledUntilItIsDeleted();
-    void fadingOutDeletesWithoutAnySignal();
-    void theFrameDiesWithItsParent();
-    void execReturnsTheResult_data();
-    void execReturnsTheResult();
-    void execOnAUsedFrameReturnsAtOnce();
-
-    void closingActivatesTheCoveredWindow();
-    void theCoveredWindowMayDieFirst();
-    void theParentOfADeadWindowTakesItsPlace();
-
-    void returnNeedsTheAcceptButton();
-    void disabledInputControlsSwallowEveryKey();
-    void otherKeysGoOnToTheDialog();
-    void subclassesOverrideTheButtons();
-
     void acceptButtonFollowsItsSlots();
     void slotsAreFoundByTheirSignatures_data();
     void slotsAreFoundByTheirSignatures();
     void contentAndLimits();
-    void setFocusTakesAWidgetOrAReason();
 };
-
-void tst_UtilsDialogFrame::cleanup()
-{
-    turnTheEventLoop();
-    UtilsSingleInstance::setAppMainWidget(nullptr);
-    QVERIFY2(QApplication::topLevelWidgets().isEmpty(), "A window was left behind.");
-}
 
 void tst_UtilsDialogFrame::theWindowIsFramelessTranslucentAndModal()
 {
@@ -388,394 +338,6 @@ void tst_UtilsDialogFrame::theFadeMayEndTwiceAndTheShadowMayBeGone()
     cardless->hide();
 }
 
-static void clickAccept(UtilsDialogFrame *frame)
-{
-    QTest::mouseClick(frame->getAcceptButton(), Qt::LeftButton);
-}
-
-static void clickCancel(UtilsDialogFrame *frame)
-{
-    QTest::mouseClick(frame->getCancelButton(), Qt::LeftButton);
-}
-
-void tst_UtilsDialogFrame::everyWayOfClosingDeletesTheFrame_data()
-{
-    QTest::addColumn<Way>("way");
-    QTest::addColumn<bool>("shown");
-    QTest::addColumn<int>("closed");
-    QTest::addColumn<QList<int>>("results");
-
-    const QList<int> none;
-    const QList<int> accepted{QDialog::Accepted};
-    const QList<int> rejected{QDialog::Rejected};
-    QTest::newRow("accept button") << Way(clickAccept) << true << 1 << accepted;
-    QTest::newRow("cancel button") << Way(clickCancel) << true << 1 << rejected;
-    QTest::newRow("Return") << Way([](auto *f) { QTest::keyClick(f, Qt::Key_Return); }) << true << 1 << accepted;
-    QTest::newRow("Enter") << Way([](auto *f) { QTest::keyClick(f, Qt::Key_Enter); }) << true << 1 << accepted;
-    QTest::newRow("Enter of the keypad") << Way([](auto *f) { QTest::keyClick(f, Qt::Key_Enter, Qt::KeypadModifier); })
-                                         << true << 1 << accepted;
-    QTest::newRow("Escape") << Way([](auto *f) { QTest::keyClick(f, Qt::Key_Escape); }) << true << 1 << rejected;
-    QTest::newRow("Return, Return") << Way([](auto *f) {
-        QTest::keyClick(f, Qt::Key_Return);
-        QTest::keyClick(f, Qt::Key_Return);
-    }) << true << 1 << accepted;
-    QTest::newRow("Return, Escape") << Way([](auto *f) {
-        QTest::keyClick(f, Qt::Key_Return);
-        QTest::keyClick(f, Qt::Key_Escape);
-    }) << true << 1 << accepted;
-    QTest::newRow("accept slot") << Way([](auto *f) { f->on_toolButton_accept_clicked(); }) << true << 1 << accepted;
-    QTest::newRow("cancel slot") << Way([](auto *f) { f->on_toolButton_cancel_clicked(); }) << true << 1 << rejected;
-    QTest::newRow("accept, reject") << Way([](auto *f) {
-        f->accept();
-        f->reject();
-    }) << true << 1 << accepted;
-    // The standard handling rejects a visible dialog, and the close event announces the end as well.
-    QTest::newRow("close") << Way([](auto *f) { f->close(); }) << true << 2 << rejected;
-    QTest::newRow("hide") << Way([](auto *f) { f->hide(); }) << true << 0 << none;
-    QTest::newRow("hide, accept") << Way([](auto *f) {
-        f->hide();
-        f->accept();
-    }) << true << 1 << accepted;
-
-    for (const bool shown : {true, false}) {
-        const QByteArray when = shown ? "" : ", never shown";
-        QTest::newRow("accept" + when) << Way([](auto *f) { f->accept(); }) << shown << 1 << accepted;
-        QTest::newRow("reject" + when) << Way([](auto *f) { f->reject(); }) << shown << 1 << rejected;
-        QTest::newRow("done 1" + when) << Way([](auto *f) { f->done(1); }) << shown << 1 << accepted;
-        QTest::newRow("done 5" + when) << Way([](auto *f) { f->done(5); }) << shown << 0 << QList<int>{5};
-        QTest::newRow("setVisible(false)" + when) << Way([](auto *f) { f->setVisible(false); }) << shown << 0 << none;
-    }
-    QTest::newRow("close, never shown") << Way([](auto *f) { f->close(); }) << false << 1 << none;
-}
-
-void tst_UtilsDialogFrame::everyWayOfClosingDeletesTheFrame()
-{
-    QFETCH(Way, way);
-    QFETCH(bool, shown);
-    QFETCH(int, closed);
-    QFETCH(QList<int>, results);
-
-    const QPointer<UtilsDialogFrame> frame(new UtilsDialogFrame);
-    QSignalSpy closedSpy(frame, &UtilsDialogFrame::signalDialogClosed);
-    QSignalSpy finishedSpy(frame, &QDialog::finished);
-    QSignalSpy acceptedSpy(frame, &QDialog::accepted);
-    QSignalSpy rejectedSpy(frame, &QDialog::rejected);
-    if (shown)
-        frame->show();
-    way(frame);
-    QVERIFY2(frame, "The frame waits for the event loop.");
-    QCOMPARE(closedSpy.count(), closed);
-    turnTheEventLoop();
-    QVERIFY(!frame);
-
-    QList<int> finished;
-    for (const QList<QVariant> &arguments : std::as_const(finishedSpy))
-        finished.append(arguments.first().toInt());
-    QCOMPARE(finished, results);
-    QCOMPARE(acceptedSpy.count(), results.count(QDialog::Accepted));
-    QCOMPARE(rejectedSpy.count(), results.count(QDialog::Rejected));
-    QCOMPARE(closedSpy.count(), closed);
-}
-
-void tst_UtilsDialogFrame::aClosedFrameMayBeClosedAgainFromItsSignals_data()
-{
-    QTest::addColumn<Way>("way");
-    QTest::newRow("accept") << Way([](auto *f) { f->accept(); });
-    QTest::newRow("reject") << Way([](auto *f) { f->reject(); });
-    QTest::newRow("done") << Way([](auto *f) { f->done(3); });
-    QTest::newRow("hide") << Way([](auto *f) { f->hide(); });
-    QTest::newRow("deleteLater") << Way([](auto *f) { f->deleteLater(); });
-    QTest::newRow("cancel button") << Way([](auto *f) { f->getCancelButton()->click(); });
-    QTest::newRow("Escape") << Way([](auto *f) { QTest::keyClick(f, Qt::Key_Escape); });
-}
-
-void tst_UtilsDialogFrame::aClosedFrameMayBeClosedAgainFromItsSignals()
-{
-    QFETCH(Way, way);
-    const QPointer<UtilsDialogFrame> frame(new UtilsDialogFrame);
-    QSignalSpy closed(frame, &UtilsDialogFrame::signalDialogClosed);
-    QSignalSpy finished(frame, &QDialog::finished);
-    const auto again = [&frame, way] { way(frame); };
-    connect(frame, &UtilsDialogFrame::signalDialogClosed, this, again);
-    connect(frame, &QDialog::accepted, this, again);
-    connect(frame, &QDialog::finished, this, again);
-    frame->show();
-    clickAccept(frame);
-    QCOMPARE(closed.count(), 1);
-    QCOMPARE(finished.count(), 1);
-    turnTheEventLoop();
-    QVERIFY(!frame);
-}
-
-void tst_UtilsDialogFrame::closeInsideASlotComesToAnEnd()
-{
-    for (const bool shown : {true, false}) {
-        const QPointer<UtilsDialogFrame> frame(new UtilsDialogFrame);
-        QSignalSpy closed(frame, &UtilsDialogFrame::signalDialogClosed);
-        QSignalSpy finished(frame, &QDialog::finished);
-        connect(frame, &UtilsDialogFrame::signalDialogClosed, frame, &UtilsDialogFrame::close);
-        if (shown)
-            frame->show();
-        frame->reject();
-        QCOMPARE(finished.count(), 1);
-        QCOMPARE(closed.count(), shown ? 1 : 2); // a window that is closed already gets no close event
-        turnTheEventLoop();
-        QVERIFY(!frame);
-    }
-}
-
-void tst_UtilsDialogFrame::aHiddenFrameIsNotShownAgain()
-{
-    const QPointer<UtilsDialogFrame> frame(new UtilsDialogFrame);
-    frame->reject();
-    frame->show();
-    QVERIFY(!frame->isVisible());
-    frame->open();
-    QVERIFY(!frame->isVisible());
-    turnTheEventLoop();
-    QVERIFY(!frame);
-}
-
-void tst_UtilsDialogFrame::aFrameStaysVisibleAndDisabledUntilItIsDeleted()
-{
-    const QPointer<UtilsDialogFrame> frame(new UtilsDialogFrame);
-    frame->show();
-    frame->hide();
-    QVERIFY(frame->isVisible());
-    QVERIFY(!frame->getAcceptButton()->isEnabled());
-    QVERIFY(!frame->getCancelButton()->isEnabled());
-    turnTheEventLoop();
-    QVERIFY(!frame);
-}
-
-void tst_UtilsDialogFrame::fadingOutDeletesWithoutAnySignal()
-{
-    const QPointer<UtilsDialogFrame> frame(new UtilsDialogFrame);
-    QSignalSpy closed(frame, &UtilsDialogFrame::signalDialogClosed);
-    frame->show();
-    frame->slotFadeOutFinished();
-    QVERIFY(frame);
-    QVERIFY(frame->getAcceptButton()->isEnabled());
-    turnTheEventLoop();
-    QVERIFY(!frame);
-    QCOMPARE(closed.count(), 0);
-}
-
-void tst_UtilsDialogFrame::theFrameDiesWithItsParent()
-{
-    auto *window = new QWidget;
-    window->resize(400, 300);
-    window->show();
-    window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(window));
-    const QPointer<UtilsDialogFrame> open(new UtilsDialogFrame(window));
-    open->show();
-    const QPointer<UtilsDialogFrame> closing(new UtilsDialogFrame(window));
-    closing->show();
-    closing->reject();
-    const QPointer<UtilsDialogFrame> unshown(new UtilsDialogFrame(window));
-    delete window;
-    QVERIFY(!open && !closing && !unshown);
-}
-
-void tst_UtilsDialogFrame::execReturnsTheResult_data()
-{
-    QTest::addColumn<Way>("way");
-    QTest::addColumn<int>("result");
-    QTest::newRow("accept") << Way([](auto *f) { f->accept(); }) << int(QDialog::Accepted);
-    QTest::newRow("reject") << Way([](auto *f) { f->reject(); }) << int(QDialog::Rejected);
-    QTest::newRow("done") << Way([](auto *f) { f->done(7); }) << 7;
-    QTest::newRow("close") << Way([](auto *f) { f->close(); }) << int(QDialog::Rejected);
-    QTest::newRow("hide") << Way([](auto *f) { f->hide(); }) << int(QDialog::Rejected);
-    QTest::newRow("delete") << Way([](auto *f) { delete f; }) << int(QDialog::Rejected);
-}
-
-void tst_UtilsDialogFrame::execReturnsTheResult()
-{
-    QFETCH(Way, way);
-    QFETCH(int, result);
-    const QPointer<UtilsDialogFrame> frame(new UtilsDialogFrame);
-    QTimer::singleShot(0, this, [&frame, way] {
-        QVERIFY(frame->isVisible());
-        way(frame);
-    });
-    QCOMPARE(frame->exec(), result);
-    QVERIFY(!frame);
-}
-
-void tst_UtilsDialogFrame::execOnAUsedFrameReturnsAtOnce()
-{
-    const QPointer<UtilsDialogFrame> frame(new UtilsDialogFrame);
-    frame->accept();
-    QCOMPARE(frame->exec(), int(QDialog::Accepted));
-    QVERIFY(!frame->isVisible());
-}
-
-void tst_UtilsDialogFrame::closingActivatesTheCoveredWindow()
-{
-    QWidget window;
-    window.resize(400, 300);
-    window.show();
-    window.activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&window));
-    auto *frame = new UtilsDialogFrame(&window);
-    frame->show();
-    QVERIFY(QTest::qWaitForWindowActive(frame));
-    bool active = false;
-    connect(frame, &UtilsDialogFrame::signalDialogClosed, this,
-            [&window, &active] { active = window.isActiveWindow(); });
-    frame->reject();
-    QVERIFY2(active, "The window is active before the end is announced.");
-    QTRY_COMPARE_WITH_TIMEOUT(QApplication::activeWindow(), &window, Patience);
-    turnTheEventLoop();
-    QCOMPARE(QApplication::activeWindow(), &window);
-}
-
-void tst_UtilsDialogFrame::theCoveredWindowMayDieFirst()
-{
-    auto *window = new QWidget;
-    window->setGeometry(20, 30, 400, 300);
-    UtilsSingleInstance::setAppMainWidget(window);
-    const QPointer<UtilsDialogFrame> frame(new UtilsDialogFrame);
-    frame->show();
-    delete window;
-    QSignalSpy closed(frame, &UtilsDialogFrame::signalDialogClosed);
-    frame->updatePosition();
-    QCOMPARE(frame->geometry(), QRect(20, 30, 400, 300));
-    frame->slotActiveWindowDestroyed(nullptr);
-    frame->reject();
-    QCOMPARE(closed.count(), 1);
-}
-
-void tst_UtilsDialogFrame::theParentOfADeadWindowTakesItsPlace()
-{
-    auto *parent = new QWidget;
-    parent->setGeometry(5, 6, 700, 500);
-    parent->show();
-    auto *window = new QWidget(parent, Qt::Window);
-    window->setGeometry(20, 30, 400, 300);
-    window->show();
-    UtilsSingleInstance::setAppMainWidget(window);
-    QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeWindow(), Patience);
-    window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(window));
-
-    const QPointer<UtilsDialogFrame> frame(new UtilsDialogFrame);
-    frame->show();
-    QVERIFY(QTest::qWaitForWindowActive(frame));
-    delete window;
-    QCOMPARE(frame->size(), QSize(400, 300));
-    frame->reject();
-    QTRY_COMPARE_WITH_TIMEOUT(QApplication::activeWindow(), parent, Patience);
-    turnTheEventLoop();
-    QVERIFY(!frame);
-
-    // All of them at once: the window dies as a part of its parent.
-    window = new QWidget(parent, Qt::Window);
-    window->setGeometry(20, 30, 400, 300);
-    window->show();
-    window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(window));
-    const QPointer<UtilsDialogFrame> last(new UtilsDialogFrame);
-    last->show();
-    delete parent;
-    QSignalSpy closed(last, &UtilsDialogFrame::signalDialogClosed);
-    last->updatePosition();
-    last->reject();
-    QCOMPARE(closed.count(), 1);
-}
-
-void tst_UtilsDialogFrame::returnNeedsTheAcceptButton()
-{
-    const QPointer<UtilsDialogFrame> frame(new UtilsDialogFrame);
-    QSignalSpy closed(frame, &UtilsDialogFrame::signalDialogClosed);
-    frame->show();
-    frame->enableAcceptButton(false);
-    QTest::keyClick(frame, Qt::Key_Return);
-    QTest::keyClick(frame, Qt::Key_Enter);
-    turnTheEventLoop();
-    QVERIFY(frame);
-    QCOMPARE(closed.count(), 0);
-    frame->enableCancelButton(false); // Escape does not ask the button
-    QTest::keyClick(frame, Qt::Key_Escape);
-    QCOMPARE(closed.count(), 1);
-}
-
-void tst_UtilsDialogFrame::disabledInputControlsSwallowEveryKey()
-{
-    const QPointer<UtilsDialogFrame> frame(new UtilsDialogFrame);
-    QSignalSpy closed(frame, &UtilsDialogFrame::signalDialogClosed);
-    frame->show();
-    frame->disableInputControls();
-    QVERIFY(frame->getAcceptButton()->isHidden());
-    QVERIFY(frame->getCancelButton()->isHidden());
-    QVERIFY(frame->findChild<QFrame *>("line_buttonSeparator")->isHidden());
-    for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Enter, Qt::Key_A}) {
-        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
-        QCoreApplication::sendEvent(frame, &press);
-        QVERIFY(press.isAccepted());
-    }
-    turnTheEventLoop();
-    QVERIFY(frame);
-    QCOMPARE(closed.count(), 0);
-    frame->setButtonsVisible(true);
-    QVERIFY(frame->getAcceptButton()->isVisible());
-    QTest::keyClick(frame, Qt::Key_Escape);
-    QCOMPARE(closed.count(), 0);
-    frame->reject();
-    QCOMPARE(closed.count(), 1);
-}
-
-void tst_UtilsDialogFrame::otherKeysGoOnToTheDialog()
-{
-    const QPointer<UtilsDialogFrame> frame(new UtilsDialogFrame);
-    auto *button = new QPushButton(QStringLiteral("default"));
-    button->setDefault(true);
-    frame->setContent(button);
-    frame->enableAcceptButton(false);
-    frame->show();
-    QSignalSpy clicked(button, &QPushButton::clicked);
-    QTest::keyClick(frame, Qt::Key_Return); // the standard handling clicks the default button
-    QCOMPARE(clicked.count(), 1);
-    QKeyEvent press(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier);
-    QCoreApplication::sendEvent(frame, &press);
-    QVERIFY(!press.isAccepted());
-    frame->hide();
-}
-
-class StubbornFrame : public UtilsDialogFrame
-{
-public:
-    void on_toolButton_accept_clicked() override
-    {
-        ++accepts;
-    }
-    void on_toolButton_cancel_clicked() override
-    {
-        ++cancels;
-    }
-    int accepts = 0;
-    int cancels = 0;
-};
-
-void tst_UtilsDialogFrame::subclassesOverrideTheButtons()
-{
-    const QPointer<StubbornFrame> frame(new StubbornFrame);
-    QSignalSpy closed(frame, &UtilsDialogFrame::signalDialogClosed);
-    frame->show();
-    clickAccept(frame);
-    clickCancel(frame);
-    QTest::keyClick(frame, Qt::Key_Return);
-    QCOMPARE(frame->accepts, 2);
-    QCOMPARE(frame->cancels, 1);
-    QCOMPARE(closed.count(), 0);
-    QVERIFY(QMetaObject::invokeMethod(frame.data(), "on_toolButton_accept_clicked"));
-    QCOMPARE(frame->accepts, 3);
-    QTest::keyClick(frame, Qt::Key_Escape); // goes on to the standard handling, which rejects
-    QCOMPARE(frame->cancels, 2);
-    QCOMPARE(closed.count(), 1);
-}
-
 void tst_UtilsDialogFrame::acceptButtonFollowsItsSlots()
 {
     UtilsDialogFrame frame;
@@ -847,38 +409,6 @@ void tst_UtilsDialogFrame::contentAndLimits()
     frame.setButtonsVisible(true);
     for (const char *name : {"toolButton_accept", "toolButton_cancel", "line_buttonSeparator"})
         QVERIFY(!frame.findChild<QWidget *>(name)->isHidden());
-}
-
-void tst_UtilsDialogFrame::setFocusTakesAWidgetOrAReason()
-{
-    /// Remembers why it was given the focus.
-    class Edit : public QLineEdit
-    {
-    public:
-        Qt::FocusReason reason = Qt::NoFocusReason;
-
-    protected:
-        void focusInEvent(QFocusEvent *event) override
-        {
-            reason = event->reason();
-            QLineEdit::focusInEvent(event);
-        }
-    };
-
-    const QPointer<UtilsDialogFrame> frame(new UtilsDialogFrame);
-    auto *edit = new Edit;
-    frame->setContent(edit);
-    frame->show();
-    QVERIFY(QTest::qWaitForWindowActive(frame));
-    frame->setFocus(edit);
-    QCOMPARE(QApplication::focusWidget(), edit);
-    QCOMPARE(edit->reason, Qt::OtherFocusReason);
-    frame->setFocus(static_cast<QWidget *>(nullptr));
-    QCOMPARE(QApplication::focusWidget(), edit);
-    frame->setFocus();
-    frame->setFocus(Qt::TabFocusReason);
-    QVERIFY(frame->hasFocus());
-    frame->hide();
 }
 
 UNIPROG_TEST_MAIN(tst_UtilsDialogFrame)
