@@ -1,4 +1,4 @@
-#include "simulatedprogrammer_p.h"
+#include "SimulatedProgrammer_p.h"
 
 using namespace std::chrono_literals;
 using Span = SimulatedFlash::Span;

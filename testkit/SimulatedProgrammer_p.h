@@ -1,10 +1,10 @@
 #ifndef SIMULATEDPROGRAMMER_P_H
 #define SIMULATEDPROGRAMMER_P_H
 
+#include "SimulatedBootloader_p.h"
+#include "SimulatedFaults_p.h"
+#include "SimulatedFlash_p.h"
 #include "SimulatedProgrammer.h"
-#include "simulatedbootloader_p.h"
-#include "simulatedfaults_p.h"
-#include "simulatedflash_p.h"
 
 #include <QHash>
 

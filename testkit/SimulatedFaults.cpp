@@ -1,4 +1,4 @@
-#include "simulatedfaults_p.h"
+#include "SimulatedFaults_p.h"
 
 #include <algorithm>
 #include <limits>

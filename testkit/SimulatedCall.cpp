@@ -1,4 +1,4 @@
-#include "simulatedprogrammer_p.h"
+#include "SimulatedProgrammer_p.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "simulatedflash_p.h"
+#include "SimulatedFlash_p.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "simulatedbootloader_p.h"
+#include "SimulatedBootloader_p.h"
 
 #include <algorithm>
 
