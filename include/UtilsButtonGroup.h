@@ -79,9 +79,9 @@ private:
     void setupForm();
     void markEnds(QToolButton *newButton);
 
-    Form m_form;
-    QButtonGroup *m_group;
-    QList<QPointer<QToolButton>> m_buttons; ///< without those that are about to be deleted
+    Form form;
+    QButtonGroup *group;
+    QList<QPointer<QToolButton>> buttons; ///< without those that are about to be deleted
 };
 
 #endif // UTILSBUTTONGROUP_H

@@ -85,8 +85,8 @@ private:
     QLineEdit *createField(int index);
     int indexOf(const QObject *field) const;
 
-    std::array<QPointer<QLineEdit>, 4> m_fields;
-    QList<QWidget *> m_parts;
+    std::array<QPointer<QLineEdit>, 4> fields;
+    QList<QWidget *> parts;
 };
 
 #endif // UTILSIPEDIT_H

@@ -45,7 +45,7 @@ private:
     void setupForm();
     void lcdNumberUpdate(QString text, int digits);
 
-    Form m_form;
+    Form form;
 };
 
 #endif // UTILSLCDNUMBER_H

@@ -26,7 +26,7 @@ QButtonGroup *newButtonGroup()
 
 UtilsButtonGroup::UtilsButtonGroup(QWidget *parent)
     : QFrame(parent)
-    , m_group(newButtonGroup())
+    , group(newButtonGroup())
 {
     setupForm();
 
@@ -34,12 +34,12 @@ UtilsButtonGroup::UtilsButtonGroup(QWidget *parent)
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
     row->setSizeConstraint(QLayout::SetNoConstraint);
-    m_form.frame_buttons->setLayout(row);
-    m_form.frame_buttons->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-    m_form.frame_buttons->setLayoutDirection(Qt::LeftToRight); // a style sheet draws the left end where left is
+    form.frame_buttons->setLayout(row);
+    form.frame_buttons->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    form.frame_buttons->setLayoutDirection(Qt::LeftToRight); // a style sheet draws the left end where left is
 
-    m_group->setExclusive(true);
-    connect(m_group, &QButtonGroup::idClicked, this, &UtilsButtonGroup::signalButtonClicked);
+    group->setExclusive(true);
+    connect(group, &QButtonGroup::idClicked, this, &UtilsButtonGroup::signalButtonClicked);
 }
 
 UtilsButtonGroup::~UtilsButtonGroup() = default;
@@ -50,23 +50,23 @@ void UtilsButtonGroup::setupForm()
     resize(InitialSize);
     setLineWidth(LineWidth);
 
-    m_form.horizontalLayout = new QHBoxLayout(this);
-    m_form.horizontalLayout->setObjectName(QStringLiteral("horizontalLayout"));
-    m_form.horizontalLayout->setContentsMargins(0, 0, 0, 0);
+    form.horizontalLayout = new QHBoxLayout(this);
+    form.horizontalLayout->setObjectName(QStringLiteral("horizontalLayout"));
+    form.horizontalLayout->setContentsMargins(0, 0, 0, 0);
 
-    m_form.frame_buttons = new QFrame(this);
-    m_form.frame_buttons->setObjectName(QStringLiteral("frame_buttons"));
-    m_form.frame_buttons->setFrameShape(QFrame::StyledPanel);
-    m_form.frame_buttons->setFrameShadow(QFrame::Raised);
-    m_form.horizontalLayout->addWidget(m_form.frame_buttons);
+    form.frame_buttons = new QFrame(this);
+    form.frame_buttons->setObjectName(QStringLiteral("frame_buttons"));
+    form.frame_buttons->setFrameShape(QFrame::StyledPanel);
+    form.frame_buttons->setFrameShadow(QFrame::Raised);
+    form.horizontalLayout->addWidget(form.frame_buttons);
 }
 
 int UtilsButtonGroup::addButton(QString name, int id)
 {
-    m_buttons.removeAll(nullptr); // deleted by others
-    for (const auto &button : std::as_const(m_buttons)) {
+    buttons.removeAll(nullptr); // deleted by others
+    for (const auto &button : std::as_const(buttons)) {
         if (button->objectName() == name)
-            return m_group->id(button);
+            return group->id(button);
     }
 
     auto *button = new QToolButton;
@@ -75,18 +75,18 @@ int UtilsButtonGroup::addButton(QString name, int id)
     button->setCheckable(true);
     button->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
     markEnds(button);
-    m_group->addButton(button, id);
-    m_form.frame_buttons->layout()->addWidget(button);
-    m_buttons.append(button);
-    return m_group->id(button);
+    group->addButton(button, id);
+    form.frame_buttons->layout()->addWidget(button);
+    buttons.append(button);
+    return group->id(button);
 }
 
 void UtilsButtonGroup::markEnds(QToolButton *newButton)
 {
-    if (m_buttons.isEmpty())
+    if (buttons.isEmpty())
         return;
-    QToolButton *last = m_buttons.constLast();
-    if (m_buttons.size() == 1)
+    QToolButton *last = buttons.constLast();
+    if (buttons.size() == 1)
         UtilsMisc::SetProperty(last, LeftProperty, true);
     if (last->property(RightProperty).toBool()) {
         UtilsMisc::SetProperty(last, RightProperty, false);
@@ -102,8 +102,8 @@ void UtilsButtonGroup::addButtons(QList<QString> names)
 
 void UtilsButtonGroup::checkButton(int id)
 {
-    for (const auto &button : std::as_const(m_buttons)) {
-        if (button && m_group->id(button) == id) {
+    for (const auto &button : std::as_const(buttons)) {
+        if (button && group->id(button) == id) {
             button->setChecked(true);
             return;
         }
@@ -112,30 +112,30 @@ void UtilsButtonGroup::checkButton(int id)
 
 int UtilsButtonGroup::count() const
 {
-    return int(m_group->buttons().size());
+    return int(group->buttons().size());
 }
 
 void UtilsButtonGroup::removeButtons()
 {
-    for (QAbstractButton *button : m_group->buttons())
+    for (QAbstractButton *button : group->buttons())
         button->deleteLater();
-    m_buttons.clear(); // a name is free at once
+    buttons.clear(); // a name is free at once
 }
 
 void UtilsButtonGroup::setButtonsMaxSize(int w, int h)
 {
-    for (QAbstractButton *button : m_group->buttons())
+    for (QAbstractButton *button : group->buttons())
         button->setMaximumSize(w, h);
 }
 
 void UtilsButtonGroup::setButtonsMinSize(int w, int h)
 {
-    for (QAbstractButton *button : m_group->buttons())
+    for (QAbstractButton *button : group->buttons())
         button->setMinimumSize(w, h);
 }
 
 void UtilsButtonGroup::setButtonsProperty(const char *name, const QVariant &value)
 {
-    for (QAbstractButton *button : m_group->buttons())
+    for (QAbstractButton *button : group->buttons())
         button->setProperty(name, value);
 }

@@ -54,13 +54,13 @@ UtilsIpEdit::UtilsIpEdit(QWidget *parent, unsigned int address)
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    for (int i = 0; i < int(m_fields.size()); ++i) {
+    for (int i = 0; i < int(fields.size()); ++i) {
         if (i > 0) {
-            m_parts.append(createDot());
-            layout->addWidget(m_parts.last(), 0);
+            parts.append(createDot());
+            layout->addWidget(parts.last(), 0);
         }
-        m_parts.append(createField(i));
-        layout->addWidget(m_parts.last(), 1);
+        parts.append(createField(i));
+        layout->addWidget(parts.last(), 1);
     }
     setMaximumWidth(MaximumWidth);
     setAddress(address);
@@ -82,7 +82,7 @@ QLineEdit *UtilsIpEdit::createField(int index)
 {
     auto *field = new QLineEdit(this);
     field->setProperty(PartProperty, true);
-    field->setAccessibleName(tr("Address part %1 of %2").arg(index + 1).arg(m_fields.size()));
+    field->setAccessibleName(tr("Address part %1 of %2").arg(index + 1).arg(fields.size()));
     field->installEventFilter(this);
     field->setFrame(false);
     field->setAlignment(Qt::AlignCenter);
@@ -91,15 +91,15 @@ QLineEdit *UtilsIpEdit::createField(int index)
     font.setFixedPitch(true);
     field->setFont(font);
     field->setValidator(new IPItemValidator(field));
-    m_fields[size_t(index)] = field;
+    fields[size_t(index)] = field;
     return field;
 }
 
 unsigned int UtilsIpEdit::getAddress() const
 {
     unsigned int address = 0;
-    for (size_t i = 0; i < m_fields.size(); ++i) {
-        const int number = m_fields[i] ? m_fields[i]->text().toInt() : 0;
+    for (size_t i = 0; i < fields.size(); ++i) {
+        const int number = fields[i] ? fields[i]->text().toInt() : 0;
         address |= static_cast<unsigned int>(number) << shiftOf(i);
     }
     return address;
@@ -107,15 +107,15 @@ unsigned int UtilsIpEdit::getAddress() const
 
 void UtilsIpEdit::setAddress(unsigned int address)
 {
-    for (size_t i = 0; i < m_fields.size(); ++i) {
-        if (m_fields[i])
-            m_fields[i]->setText(getIPItemStr(static_cast<unsigned char>(address >> shiftOf(i))));
+    for (size_t i = 0; i < fields.size(); ++i) {
+        if (fields[i])
+            fields[i]->setText(getIPItemStr(static_cast<unsigned char>(address >> shiftOf(i))));
     }
 }
 
 QLineEdit *UtilsIpEdit::getLineEditWidgets(unsigned char index)
 {
-    return m_fields[index];
+    return fields[index];
 }
 
 QString UtilsIpEdit::getIPItemStr(unsigned char value)
@@ -127,17 +127,17 @@ bool UtilsIpEdit::eventFilter(QObject *watched, QEvent *event)
 {
     const int index = event->type() == QEvent::KeyPress ? indexOf(watched) : -1;
     if (index >= 0) {
-        const QPointer<QLineEdit> field = m_fields[size_t(index)];
+        const QPointer<QLineEdit> field = fields[size_t(index)];
         switch (static_cast<QKeyEvent *>(event)->key()) {
         case Qt::Key_Left:
             if (field->cursorPosition() == 0 && index > 0) {
-                QLineEdit *previous = m_fields[size_t(index) - 1];
+                QLineEdit *previous = fields[size_t(index) - 1];
                 moveFocus(previous, previous ? int(previous->text().size()) : 0);
             }
             break;
         case Qt::Key_Right:
-            if (field->cursorPosition() == field->text().size() && size_t(index) + 1 < m_fields.size())
-                moveFocus(m_fields[size_t(index) + 1], 0);
+            if (field->cursorPosition() == field->text().size() && size_t(index) + 1 < fields.size())
+                moveFocus(fields[size_t(index) + 1], 0);
             break;
         default:
             Q_EMIT signalTextChanged(field);
@@ -152,9 +152,9 @@ void UtilsIpEdit::slotTextChanged(QLineEdit *pEdit)
 {
     // The field may be gone by now: only one of the fields that are left is looked at.
     const int index = indexOf(pEdit);
-    if (index < 0 || size_t(index) + 1 >= m_fields.size())
+    if (index < 0 || size_t(index) + 1 >= fields.size())
         return;
-    QLineEdit *next = m_fields[size_t(index) + 1];
+    QLineEdit *next = fields[size_t(index) + 1];
     if (next && pEdit->text().size() == DigitsOfLargestByte && pEdit->cursorPosition() == DigitsOfLargestByte) {
         next->setFocus(Qt::OtherFocusReason);
         next->selectAll();
@@ -163,6 +163,6 @@ void UtilsIpEdit::slotTextChanged(QLineEdit *pEdit)
 
 int UtilsIpEdit::indexOf(const QObject *field) const
 {
-    const auto found = field ? std::find(m_fields.cbegin(), m_fields.cend(), field) : m_fields.cend();
-    return found != m_fields.cend() ? int(found - m_fields.cbegin()) : -1;
+    const auto found = field ? std::find(fields.cbegin(), fields.cend(), field) : fields.cend();
+    return found != fields.cend() ? int(found - fields.cbegin()) : -1;
 }

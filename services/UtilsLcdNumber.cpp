@@ -35,23 +35,23 @@ void UtilsLcdNumber::setupForm()
     setFrameShadow(QFrame::Raised);
     setWindowTitle(tr("Frame"));
 
-    m_form.horizontalLayout = new QHBoxLayout(this);
-    m_form.horizontalLayout->setObjectName(QStringLiteral("horizontalLayout"));
-    m_form.horizontalLayout->setSpacing(0);
-    m_form.horizontalLayout->setContentsMargins(FormMargins);
+    form.horizontalLayout = new QHBoxLayout(this);
+    form.horizontalLayout->setObjectName(QStringLiteral("horizontalLayout"));
+    form.horizontalLayout->setSpacing(0);
+    form.horizontalLayout->setContentsMargins(FormMargins);
 
-    m_form.lcdNumber = new QLCDNumber(this);
-    m_form.lcdNumber->setObjectName(QStringLiteral("lcdNumber"));
-    m_form.lcdNumber->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    m_form.lcdNumber->setSmallDecimalPoint(false);
-    m_form.lcdNumber->setDigitCount(1);
-    m_form.lcdNumber->setSegmentStyle(QLCDNumber::Flat);
-    m_form.lcdNumber->display(InitialValue);
-    m_form.horizontalLayout->addWidget(m_form.lcdNumber);
+    form.lcdNumber = new QLCDNumber(this);
+    form.lcdNumber->setObjectName(QStringLiteral("lcdNumber"));
+    form.lcdNumber->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    form.lcdNumber->setSmallDecimalPoint(false);
+    form.lcdNumber->setDigitCount(1);
+    form.lcdNumber->setSegmentStyle(QLCDNumber::Flat);
+    form.lcdNumber->display(InitialValue);
+    form.horizontalLayout->addWidget(form.lcdNumber);
 
-    m_form.spacer
+    form.spacer
         = new QSpacerItem(SpacerSize.width(), SpacerSize.height(), QSizePolicy::Expanding, QSizePolicy::Minimum);
-    m_form.horizontalLayout->addItem(m_form.spacer);
+    form.horizontalLayout->addItem(form.spacer);
 }
 
 void UtilsLcdNumber::setValue(int value)
@@ -68,11 +68,11 @@ void UtilsLcdNumber::setValue(double value)
 
 void UtilsLcdNumber::lcdNumberUpdate(QString text, int digits)
 {
-    m_form.lcdNumber->setDigitCount(qMin(digits, MostDigits));
-    m_form.lcdNumber->display(text);
-    m_form.lcdNumber->updateGeometry();
+    form.lcdNumber->setDigitCount(qMin(digits, MostDigits));
+    form.lcdNumber->display(text);
+    form.lcdNumber->updateGeometry();
 
     // A QLCDNumber is read out as its value, but does not say when that changes.
-    QAccessibleEvent event(m_form.lcdNumber, QAccessible::NameChanged);
+    QAccessibleEvent event(form.lcdNumber, QAccessible::NameChanged);
     QAccessible::updateAccessibility(&event);
 }
