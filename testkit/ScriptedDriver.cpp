@@ -255,7 +255,7 @@ void ScriptedDriver::setHoldLimit(std::chrono::milliseconds limit)
 
 ScriptedDriver::Answer ScriptedDriver::perform(Operation operation, const QVariantList &arguments)
 {
-    const Answer answer = enter(operation, arguments);
+    Answer answer = enter(operation, arguments);
     if (answer.hook)
         answer.hook();
     if (answer.held)

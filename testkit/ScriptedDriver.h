@@ -115,7 +115,8 @@ public:
     /// emitted, the results are written, the status is returned.
     struct UNIPROGTESTKIT_EXPORT Answer
     {
-        Answer(int status = 0); // not explicit: a bare status is the commonest answer
+        // cppcheck-suppress noExplicitConstructor ; a bare status is the commonest answer
+        Answer(int status = 0);
 
         /// Takes \a time, at least.
         Answer &after(std::chrono::milliseconds time);

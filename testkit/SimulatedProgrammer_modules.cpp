@@ -72,7 +72,7 @@ int SimulatedProgrammer::PowerGetReadings(unsigned char *readings, int size)
 {
     const bool valid = size >= 0 && (readings || size == 0);
     return state->run(Operation::PowerGetReadings, PowerOperation, valid, [=](State::Call &) {
-        QByteArray all(PowerChannelCount * BytesPerReading, '\0');
+        QByteArray all(qsizetype(PowerChannelCount) * BytesPerReading, '\0');
         char *reading = all.data();
         for (int channel = 0; channel < PowerChannelCount; ++channel, reading += BytesPerReading) {
             const bool on = state->power.channels.at(size_t(channel)).on;
@@ -236,7 +236,7 @@ int SimulatedProgrammer::State::eraseFirmware(SimulatedBootloader &loader, quint
         loader.eraseSector(address, sector);
         ++sectorsErased;
         if (block.corrupt)
-            loader.flipBit(loader.offsetOf(address) + sector * BootloaderSectorSize);
+            loader.flipBit(loader.offsetOf(address) + qint64(sector) * BootloaderSectorSize);
     }
     loader.noteErase();
     return Success;

@@ -210,8 +210,10 @@ int SimulatedProgrammer::State::run(Operation operation, int needs, bool argumen
 {
     Call call(*this, operation);
     int status = call.begin(needs, argumentsValid);
-    if (status == Success)
+    if (status == Success) {
+        Q_ASSERT(argumentsValid); // others are refused
         status = body(call);
+    }
     return call.finish(status);
 }
 
