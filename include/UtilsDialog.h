@@ -33,7 +33,7 @@ class UNIPROGUTILS_EXPORT UtilsDialog : public UtilsDialogFrame
     Q_OBJECT
 
 public:
-    UtilsDialog(QWidget *parent = nullptr);
+    explicit UtilsDialog(QWidget *parent = nullptr);
     ~UtilsDialog() override;
 
     /// "Dialog Message" until set; centred.
@@ -67,11 +67,13 @@ public:
     using QDialog::accepted;
 
 Q_SIGNALS:
+    // Two more signals of this name, each with what was entered: the interface. qOverload() tells them apart.
+
     /// The text of the line edit, and then that of the text edit.
-    void accepted(QString action);
+    void accepted(QString action); // clazy:exclude=overloaded-signal
     /// The number of the spin box, and then that of the checked radio button: its text up to the first blank, read
     /// with a decimal point in every locale. Without a checked button there is no signal for it.
-    void accepted(double spinValue);
+    void accepted(double spinValue); // clazy:exclude=overloaded-signal
 
 public Q_SLOTS:
     /// Reports what was entered, texts first, and accepts the dialog.

@@ -33,7 +33,7 @@ class UNIPROGUTILS_EXPORT UtilsDialogFrame : public QDialog
 public:
     /// The frame covers the application's active window or, without one, the main widget of UtilsSingleInstance. The
     /// cancel button has the focus.
-    UtilsDialogFrame(QWidget *parent = nullptr);
+    explicit UtilsDialogFrame(QWidget *parent = nullptr);
     ~UtilsDialogFrame() override;
 
     /// Enabled from the start. A closed frame has both buttons disabled.

@@ -31,7 +31,7 @@ class UNIPROGUTILS_EXPORT UtilsDialogTitlebar : public QFrame
 
 public:
     /// \a window is what dragging moves and the close button closes. With null, neither happens.
-    UtilsDialogTitlebar(QWidget *window);
+    explicit UtilsDialogTitlebar(QWidget *window);
     ~UtilsDialogTitlebar() override;
 
     /// "TextLabel" until set.

@@ -31,7 +31,7 @@ class UNIPROGUTILS_EXPORT UtilsDialogWindow : public QDialog
 
 public:
     /// The window is three quarters as high as the primary screen, and its centre is on that of \a parent, if any.
-    UtilsDialogWindow(QWidget *parent = nullptr);
+    explicit UtilsDialogWindow(QWidget *parent = nullptr);
     ~UtilsDialogWindow() override;
 
     /// Adds \a content, which the window then owns, below what the content area holds already. Null is ignored.

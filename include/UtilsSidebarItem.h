@@ -31,7 +31,7 @@ class UNIPROGUTILS_EXPORT UtilsSidebarItem : public QWidget
 
 public:
     /// \a receiver, which may be null, hears of SignalItemToggled() on its slot SlotItemToggled().
-    UtilsSidebarItem(UtilsSidebarWidget *receiver, QWidget *parent = nullptr);
+    explicit UtilsSidebarItem(UtilsSidebarWidget *receiver, QWidget *parent = nullptr);
     ~UtilsSidebarItem() override;
 
     /// Gives the main button its caption, icons and look. The icons are files or resources; an SVG is sharp at every

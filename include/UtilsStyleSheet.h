@@ -24,7 +24,7 @@ class UNIPROGUTILS_EXPORT UtilsStyleSheet
 {
 public:
     /// The length in characters up to which a result grows (64 MiB of memory, far more than any style sheet has).
-    static constexpr qsizetype LargestResult = 32 * 1024 * 1024;
+    static constexpr qsizetype LargestResult = 32LL * 1024 * 1024;
 
     /// Remembers the path of the template; nothing is read yet.
     explicit UtilsStyleSheet(const QString &styleSheetPath);

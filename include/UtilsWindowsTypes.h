@@ -19,7 +19,7 @@ struct GUID
 };
 #endif
 
-struct HWND__;
+struct HWND__; // NOLINT(bugprone-reserved-identifier): the name that the system's headers give it
 typedef HWND__ *HWND;
 typedef void *HDEVNOTIFY;
 

@@ -30,8 +30,8 @@ PowerModuleImage PowerModuleImage::load()
 
     image.storedCrc = qFromLittleEndian<quint32>(image.file.constData());
     image.payloadStart = VersionOffset + qFromLittleEndian<quint32>(image.file.constData() + LengthOffset);
-    const qint64 size = image.file.size() - image.payloadStart;
-    image.valid = size >= 0 && size % WriteBlockSize == 0;
+    const qint64 payloadSize = image.file.size() - image.payloadStart;
+    image.valid = payloadSize >= 0 && payloadSize % WriteBlockSize == 0;
     return image;
 }
 

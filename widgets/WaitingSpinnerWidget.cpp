@@ -41,8 +41,8 @@ public:
 
     static QAccessibleInterface *create(const QString &, QObject *object)
     {
-        auto *spinner = qobject_cast<WaitingSpinnerWidget *>(object);
-        return spinner ? new Accessible(spinner) : nullptr;
+        auto *ring = qobject_cast<WaitingSpinnerWidget *>(object);
+        return ring ? new Accessible(ring) : nullptr;
     }
 
     QAccessible::State state() const override
