@@ -54,16 +54,16 @@ void rewind(QWidget *root)
 /// The picture that \a take gives as soon as it changes no more.
 QImage settledPicture(const std::function<QImage()> &take)
 {
-    QImage picture = take();
+    QImage latest = take();
     const QDeadlineTimer deadline(LongestMovement);
     for (int alike = 1; alike < LooksAlike && !deadline.hasExpired(); ++alike) {
         wait(LookInterval);
         const QImage next = take();
-        if (next != picture)
+        if (next != latest)
             alike = 0;
-        picture = next;
+        latest = next;
     }
-    return picture;
+    return latest;
 }
 
 QImage picture(QWidget *widget, const QRect &area = QRect(QPoint(), QSize(-1, -1)))
@@ -155,7 +155,7 @@ bool Screenshots::savePicture(const QImage &picture, const QString &name)
 
 QImage Screenshots::popupPicture(QWidget *popup) const
 {
-    const QImage taken = picture(popup);
+    QImage taken = picture(popup);
     if (!qobject_cast<UtilsDialogFrame *>(popup))
         return taken;
     // A frame lies over the window, which is seen through it.

@@ -16,7 +16,7 @@ constexpr qsizetype SmallestPacketSize = 64;
 constexpr qsizetype PacketOverhead = 32; // command, address, size and marks
 constexpr qsizetype LargestBlock = 1024; // bytes: progress comes often enough
 constexpr qsizetype Alignment = 4;
-constexpr qsizetype MaximumMapSize = 64 * 1024; // bytes of XML
+constexpr qsizetype MaximumMapSize = 64LL * 1024; // bytes of XML
 constexpr int MaximumMapPieces = 256;
 
 // The factory information of the nRF51 and nRF52.
@@ -253,7 +253,7 @@ int GdbTarget::readFeatures()
     for (const QByteArray &feature : features) {
         constexpr char SizeFeature[] = "PacketSize=";
         if (feature.startsWith(SizeFeature))
-            packetSize = std::clamp(qsizetype(feature.mid(qstrlen(SizeFeature)).toUInt(nullptr, 16)),
+            packetSize = std::clamp(qsizetype(feature.mid(qsizetype(qstrlen(SizeFeature))).toUInt(nullptr, 16)),
                                     SmallestPacketSize, GdbPacket::MaximumSize);
     }
     if (features.contains("QStartNoAckMode+")) {

@@ -16,7 +16,7 @@
 namespace {
 
 constexpr int SrecordTimeout = 30000; // ms
-constexpr qint64 MaximumReportSize = 64 * 1024; // of srec_info: some 2000 ranges
+constexpr qint64 MaximumReportSize = 64LL * 1024; // of srec_info: some 2000 ranges
 
 struct Range
 {
