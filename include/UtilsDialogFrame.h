@@ -105,6 +105,7 @@ private:
     void setupForm();
     QFrame *createCard(QWidget *parent);
     QToolButton *createButton(const QString &name, const QString &text);
+    void handleClick(void (UtilsDialogFrame::*handler)());
 
     QFrame *m_frameDialog = nullptr;
     QVBoxLayout *m_contentLayout = nullptr;
@@ -117,6 +118,7 @@ private:
     QPointer<QWidget> m_coveredWindow;
     bool m_isDone = false;
     bool m_isUsedUp = false;
+    bool m_isClicked = false;
 };
 
 #endif // UTILSDIALOGFRAME_H

@@ -59,8 +59,10 @@ UtilsDialogFrame::UtilsDialogFrame(QWidget *parent)
     connect(this, &QDialog::rejected, this, &UtilsDialogFrame::slotDialogIsClosing);
     if (m_coveredWindow)
         connect(m_coveredWindow, &QObject::destroyed, this, &UtilsDialogFrame::slotActiveWindowDestroyed);
-    connect(m_acceptButton, &QToolButton::clicked, this, &UtilsDialogFrame::on_toolButton_accept_clicked);
-    connect(m_cancelButton, &QToolButton::clicked, this, &UtilsDialogFrame::on_toolButton_cancel_clicked);
+    connect(m_acceptButton, &QToolButton::clicked, this,
+            [this] { handleClick(&UtilsDialogFrame::on_toolButton_accept_clicked); });
+    connect(m_cancelButton, &QToolButton::clicked, this,
+            [this] { handleClick(&UtilsDialogFrame::on_toolButton_cancel_clicked); });
 
     setFocus(m_cancelButton);
 }
@@ -71,6 +73,14 @@ UtilsDialogFrame::~UtilsDialogFrame()
         m_fade->deleteLater();
     if (m_shadow)
         m_shadow->deleteLater();
+    if (!m_isClicked)
+        return;
+    // A receiver deletes the frame inside the click of a button. QAbstractButton goes on with that button when it has
+    // said so: the buttons stay until the event loop comes to them.
+    for (QToolButton *button : findChildren<QToolButton *>()) {
+        button->setParent(nullptr);
+        button->deleteLater();
+    }
 }
 
 void UtilsDialogFrame::setupForm()
@@ -173,6 +183,15 @@ QToolButton *UtilsDialogFrame::createButton(const QString &name, const QString &
     button->setFocusPolicy(Qt::StrongFocus);
     button->setText(text);
     return button;
+}
+
+void UtilsDialogFrame::handleClick(void (UtilsDialogFrame::*handler)())
+{
+    const QPointer<UtilsDialogFrame> self(this);
+    m_isClicked = true;
+    (this->*handler)();
+    if (self)
+        m_isClicked = false;
 }
 
 void UtilsDialogFrame::enableCancelButton(bool enable)

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void aFrameStaysVisibleAndDisabledUntilItIsDeleted();
     void fadingOutDeletesWithoutAnySignal();
     void theFrameDiesWithItsParent();
+    void aButtonOutlivesTheFrameThatItsClickDeletes();
     void execReturnsTheResult_data();
     void execReturnsTheResult();
     void execOnAUsedFrameReturnsAtOnce();
@@ -209,6 +210,21 @@ void tst_UtilsDialogFrame_closing::theFrameDiesWithItsParent()
     const QPointer<UtilsDialogFrame> unshown(new UtilsDialogFrame(window));
     delete window;
     QVERIFY(!open && !closing && !unshown);
+}
+
+void tst_UtilsDialogFrame_closing::aButtonOutlivesTheFrameThatItsClickDeletes()
+{
+    auto *frame = new UtilsDialogFrame;
+    frame->show();
+    const QPointer<QToolButton> button = frame->getAcceptButton();
+    bool buttonLives = false;
+    connect(frame, &QDialog::accepted, qApp, [&] {
+        delete frame;
+        buttonLives = button;
+    });
+    QTest::mouseClick(button, Qt::LeftButton);
+    QVERIFY(buttonLives); // QAbstractButton goes on with it
+    QTRY_VERIFY(!button);
 }
 
 void tst_UtilsDialogFrame_closing::execReturnsTheResult_data()
