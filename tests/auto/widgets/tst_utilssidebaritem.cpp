@@ -461,6 +461,8 @@ void tst_UtilsSidebarItem::theIconIsSharpAtEveryScale()
 
 void tst_UtilsSidebarItem::theTextStandsBesideTheIcon_data()
 {
+    if (lacksSvg())
+        QSKIP("This Qt has no SVG plugin.");
     QTest::addColumn<Qt::LayoutDirection>("direction");
     QTest::newRow("left to right") << Qt::LeftToRight;
     QTest::newRow("right to left") << Qt::RightToLeft;
