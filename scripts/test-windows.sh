@@ -72,8 +72,7 @@ grep -H '^Totals:' "$results"/*.txt | sed "s|^$results/||; s|\.txt:Totals:|:|; s
 echo
 echo "Tests that passed on the platform plugin of Windows, with native windows and messages:"
 for name in $(ctest --preset windows --show-only --label-regex native | sed -n 's/^ *Test *#[0-9]*: //p'); do
-    sed -n 's/^PASS *: \([^ ]*\)()$/  \1/p; s/^PASS *: \(.*(.*)\)$/  \1/p' "$results/$name.txt" |
-        grep -v '::\(init\|cleanup\)TestCase' || true
+    tr -d '\r' <"$results/$name.txt" | sed -n 's/^PASS *: \([^ ].*)\)$/  \1/p' | grep -v '::\(init\|cleanup\)TestCase' || true
 done
 echo
 echo "Test programs that are not run on Windows:"
