@@ -11,12 +11,12 @@ namespace {
 constexpr int SmallestScale = 50; // percent
 constexpr int LargestScale = 400;
 
-const QString ThemeOption = QStringLiteral("theme");
-const QString ScaleOption = QStringLiteral("scale");
-const QString RightToLeftOption = QStringLiteral("right-to-left");
-const QString ScreenshotsOption = QStringLiteral("screenshots");
-const QString PageOption = QStringLiteral("page");
-const QString HelpOption = QStringLiteral("help");
+constexpr QLatin1String ThemeOption("theme");
+constexpr QLatin1String ScaleOption("scale");
+constexpr QLatin1String RightToLeftOption("right-to-left");
+constexpr QLatin1String ScreenshotsOption("screenshots");
+constexpr QLatin1String PageOption("page");
+constexpr QLatin1String HelpOption("help");
 
 void addOptions(QCommandLineParser *parser)
 {

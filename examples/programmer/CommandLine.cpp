@@ -17,27 +17,27 @@ constexpr int HexadecimalBase = 16;
 constexpr int TestVendor = 0x1209; // pid.codes, where the product is free for everybody's tests
 constexpr int TestProduct = 0x0001;
 
-const QString HeadlessOption = QStringLiteral("headless");
-const QString OperationOption = QStringLiteral("operation");
-const QString DriverOption = QStringLiteral("driver");
-const QString ImageOption = QStringLiteral("image");
-const QString BaseOption = QStringLiteral("base");
-const QString OutputOption = QStringLiteral("output");
-const QString CompareOption = QStringLiteral("compare");
-const QString VerifyOption = QStringLiteral("verify");
-const QString TargetOption = QStringLiteral("option");
-const QString ConnectionOption = QStringLiteral("connection-option");
-const QString FaultOption = QStringLiteral("fault");
-const QString SpeedOption = QStringLiteral("speed");
-const QString ThemeOption = QStringLiteral("theme");
-const QString PicturesOption = QStringLiteral("pictures");
-const QString TimeoutOption = QStringLiteral("timeout");
-const QString WiFiOption = QStringLiteral("wifi");
-const QString PasswordFileOption = QStringLiteral("password-file");
-const QString DevicePasswordFileOption = QStringLiteral("device-password-file");
-const QString UpdateUrlOption = QStringLiteral("update-url");
-const QString WatchOption = QStringLiteral("watch");
-const QString NoDriverOption = QStringLiteral("no-driver");
+constexpr QLatin1String HeadlessOption("headless");
+constexpr QLatin1String OperationOption("operation");
+constexpr QLatin1String DriverOption("driver");
+constexpr QLatin1String ImageOption("image");
+constexpr QLatin1String BaseOption("base");
+constexpr QLatin1String OutputOption("output");
+constexpr QLatin1String CompareOption("compare");
+constexpr QLatin1String VerifyOption("verify");
+constexpr QLatin1String TargetOption("option");
+constexpr QLatin1String ConnectionOption("connection-option");
+constexpr QLatin1String FaultOption("fault");
+constexpr QLatin1String SpeedOption("speed");
+constexpr QLatin1String ThemeOption("theme");
+constexpr QLatin1String PicturesOption("pictures");
+constexpr QLatin1String TimeoutOption("timeout");
+constexpr QLatin1String WiFiOption("wifi");
+constexpr QLatin1String PasswordFileOption("password-file");
+constexpr QLatin1String DevicePasswordFileOption("device-password-file");
+constexpr QLatin1String UpdateUrlOption("update-url");
+constexpr QLatin1String WatchOption("watch");
+constexpr QLatin1String NoDriverOption("no-driver");
 
 constexpr char PasswordVariable[] = "UNIPROG_WIFI_PASSWORD";
 constexpr qint64 LongestPassword = 256; // bytes

@@ -118,7 +118,7 @@ int main(int argc, char **argv)
         return fail("a command is needed, info or make; see --help");
     for (const QCommandLineOption &option : command == "info" ? makeOptions : infoOptions) {
         if (parser.isSet(option))
-            return fail(command + " takes no --" + option.names().first());
+            return fail(command + " takes no --" + option.names().constFirst());
     }
     return command == "info" ? info(parser, files) : make(parser, files);
 }

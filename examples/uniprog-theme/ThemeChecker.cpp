@@ -11,9 +11,8 @@
 
 namespace {
 
-const QStringList ValueElements{"color", "wallpaper", "dimension", "fontName", "fontSize"};
-const QString FontElement = "fontName";
-const QString FontResources = ":/misc/fonts";
+constexpr QLatin1String FontElement("fontName");
+constexpr QLatin1String FontResources(":/misc/fonts");
 
 bool read(const QString &path, QByteArray *content, QString *errorString)
 {
@@ -74,12 +73,13 @@ QList<Finding> ThemeChecker::findings() const
 
 void ThemeChecker::readValues(const QString &theme)
 {
+    static const QStringList valueElements{"color", "wallpaper", "dimension", "fontName", "fontSize"};
     QXmlStreamReader xml(theme);
     while (!xml.atEnd()) {
         if (xml.readNext() != QXmlStreamReader::StartElement)
             continue;
         const QString element = xml.name().toString();
-        if (!ValueElements.contains(element))
+        if (!valueElements.contains(element))
             continue;
         const qint64 line = xml.lineNumber();
         const QXmlStreamAttributes attributes = xml.attributes();
@@ -190,7 +190,7 @@ void ThemeChecker::checkFont(const QString &family, qint64 line)
             report(Finding::Error, line, folder + name + " is of the family " + quoted(families.join(", ")));
         return;
     }
-    report(Finding::Error, line, "there is no font " + FontResources + name);
+    report(Finding::Error, line, QStringLiteral("there is no font ") + FontResources + name);
 }
 
 // What the library leaves in the text.
