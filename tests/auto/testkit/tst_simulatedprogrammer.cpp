@@ -1,3 +1,4 @@
+#include "SimulatedCalls.h"
 #include "SimulatedTest.h"
 
 #include <UniProgTest.h>
@@ -116,75 +117,21 @@ void tst_SimulatedProgrammer::theWholeRoadKeepsTheOrder()
 
 void tst_SimulatedProgrammer::nothingWorksWithoutAConnection()
 {
-    SimulatedProgrammer p;
-    p.setTimeScale(0);
-    TConfiguration configuration;
-    TPowerInfo powerInfo;
-    TPowerSupplyState supply;
-    unsigned char bytes[4] = {};
-    unsigned short size = sizeof bytes;
-    bool flag = false;
-    QByteArray info;
-    MemoryManager memory;
-    const QByteArray block(SimulatedProgrammer::BootloaderBlockSize, '\0');
-    const int length = SimulatedProgrammer::BootloaderBlockSize;
-    const unsigned int start = SimulatedProgrammer::BootloaderStart;
-    const unsigned int powerStart = SimulatedProgrammer::PowerBootloaderStart;
-    const QList<int> statuses{
-        p.Disconnect(),
-        p.CommitConfiguration(),
-        p.WiFiServerStart(),
-        p.FindDevice(),
-        p.GetDeviceConfiguration(&configuration),
-        p.SetDeviceConfiguration(&configuration),
-        p.ConnectToTarget(1),
-        p.SetTargetClock(),
-        p.DisconnectFromTarget(),
-        p.SetTargetInterfaceInUse(true),
-        p.SetTargetInterfaceInUse(false),
-        p.ResetTarget(0),
-        p.SwoGetData(bytes, &size),
-        p.SwoEnable(0),
-        p.ReadTarget(&memory),
-        p.DetectTarget(&flag),
-        p.VerifyTarget(&memory, &flag, 0),
-        p.WriteTarget(&memory, 0),
-        p.EraseTargetMass(),
-        p.EraseTarget(&memory),
-        p.CheckTargetBlank(&flag, false),
-        p.BootloaderEnter(),
-        p.BootloaderErase(start, 1),
-        p.BootloaderWrite(start, length, block.constData()),
-        p.BootloaderVerify(0, 0),
-        p.BootloaderGetInfo(&info),
-        p.BootloaderExit(),
-        p.PowerSwitch(0, 1),
-        p.PowerSetVoltage(0, 3.0F),
-        p.PowerSetBatteryOptions(0),
-        p.PowerGetReadings(bytes, sizeof bytes),
-        p.PowerGetInfo(&powerInfo),
-        p.PowerSaveConfiguration(),
-        p.PowerGetSupplyState(&supply),
-        p.PowerBootloaderActivate(),
-        p.PowerBootloaderReset(),
-        p.PowerBootloaderErase(1),
-        p.PowerBootloaderWrite(powerStart, length, block.constData()),
-        p.PowerBootloaderVerify(0, 0, &flag),
-        p.PowerBootloaderGetInfo(),
-    };
-    QCOMPARE(statuses, QList<int>(statuses.size(), Status::NotConnected));
-    QCOMPARE(p.refusals().size(), statuses.size());
-    QCOMPARE(p.refusals().constFirst(), QStringLiteral("Disconnect: no connection to the device"));
-
-    // Each under its own name.
+    SimulatedProgrammer programmer;
+    programmer.setTimeScale(0);
+    QStringList refusals; // each under its own name
     const QMetaEnum names = QMetaEnum::fromType<Operation>();
     for (int i = 0; i < names.keyCount(); ++i) {
         const auto operation = Operation(names.value(i));
-        const bool needsNothing = operation == Operation::Connect || operation == Operation::ConnectSelectedDevice
-            || operation == Operation::SetWiFiLinkPassword;
-        const QString refusal = QString::fromLatin1(names.key(i)) + QStringLiteral(": no connection to the device");
-        QCOMPARE(p.refusals().contains(refusal), !needsNothing);
+        if (operation == Operation::Connect || operation == Operation::ConnectSelectedDevice
+            || operation == Operation::SetWiFiLinkPassword)
+            continue;
+        QCOMPARE(callOf(programmer, operation), int(Status::NotConnected));
+        refusals.append(QString::fromLatin1(names.key(i)) + QStringLiteral(": no connection to the device"));
     }
+    QCOMPARE(programmer.SetTargetInterfaceInUse(false), int(Status::NotConnected));
+    refusals.append(QStringLiteral("SetTargetInterfaceInUse: no connection to the device"));
+    QCOMPARE(programmer.refusals(), refusals);
 }
 
 void tst_SimulatedProgrammer::connectingTwiceIsRefused()
