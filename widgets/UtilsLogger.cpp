@@ -86,7 +86,7 @@ void UtilsLogger::wire()
     connect(lineAnimationQueue, SIGNAL(SignalAllAnimationsFinished()), this, SLOT(slotLoggerAnimationsCompleted()));
 
     verticalScrollBar = listWidget->verticalScrollBar();
-    connect(verticalScrollBar, SIGNAL(rangeChanged(int, int)), this, SLOT(moveScrollBarToBottom(int, int)));
+    connect(verticalScrollBar, &QScrollBar::rangeChanged, this, &UtilsLogger::moveScrollBarToBottom);
 
     actionCopySelected = new QAction(tr("Copy Selected Item"), listWidget);
     actionCopySelected->setShortcut(QKeySequence::Copy);
@@ -97,8 +97,7 @@ void UtilsLogger::wire()
     actionClear = new QAction(tr("Clear"), listWidget);
     connect(actionClear, &QAction::triggered, this, &UtilsLogger::clear);
 
-    connect(listWidget, SIGNAL(customContextMenuRequested(const QPoint &)), this,
-            SLOT(slotShowContextMenu(const QPoint &)));
+    connect(listWidget, SIGNAL(customContextMenuRequested(QPoint)), this, SLOT(slotShowContextMenu(QPoint)));
 
     nextTurn = new QTimer(this);
     nextTurn->setSingleShot(true);
