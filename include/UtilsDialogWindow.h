@@ -18,8 +18,9 @@ class UtilsDialogTitlebar;
 ///
 /// \image html window-resizable.png
 ///
-/// Thread: GUI thread only. Ownership: as any QDialog; the window owns its content and title bar. In slots of accepted()
-/// and rejected() use deleteLater(): QDialog goes on with a window that is deleted there, to emit finished().
+/// Thread: GUI thread only. Ownership: as any QDialog; the window owns its content and title bar. In slots of
+/// accepted() and rejected() use deleteLater(): QDialog goes on with a window that is deleted there, to emit
+/// finished().
 ///
 ///     UtilsDialogWindow window(this);
 ///     window.setTitle(tr("Memory"));

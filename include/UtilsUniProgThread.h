@@ -47,8 +47,8 @@ class UtilsBootloader;
 ///
 /// Ownership: the driver, and everything a request is given a pointer to, stay the caller's. They have to exist until
 /// SignalProcedureCompleted(); the driver as long as requests are made. The object has no parent. Delete it in its home
-/// thread, or with deleteLater(); a procedure that runs is waited for and ends first. That holds in slots of its signals
-/// as well: in a slot that a direct connection calls on the worker, only deleteLater() is allowed.
+/// thread, or with deleteLater(); a procedure that runs is waited for and ends first. That holds in slots of its
+/// signals as well: in a slot that a direct connection calls on the worker, only deleteLater() is allowed.
 ///
 /// Status: 0 is success; every other number comes from the driver (or is 1 for a bad firmware image) and is reported
 /// with a text:

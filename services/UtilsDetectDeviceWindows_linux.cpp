@@ -37,8 +37,8 @@ bool UtilsDetectDeviceWindows::registerDeviceNotification(GUID interfaceClass)
 QStringList presentUsbDevices(const GUID &, qint32 maximumLength)
 {
     const std::unique_ptr<udev, UdevRelease> context(udev_new());
-    const std::unique_ptr<udev_enumerate, EnumerationRelease> devices(
-        context ? udev_enumerate_new(context.get()) : nullptr);
+    const std::unique_ptr<udev_enumerate, EnumerationRelease> devices(context ? udev_enumerate_new(context.get())
+                                                                              : nullptr);
     if (!devices)
         return {};
     udev_enumerate_add_match_subsystem(devices.get(), "usb");

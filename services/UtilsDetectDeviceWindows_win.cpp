@@ -74,8 +74,7 @@ bool UtilsDetectDeviceWindows::registerDeviceNotification(GUID interfaceClass)
 QStringList presentUsbDevices(const GUID &interfaceClass, qint32 maximumLength)
 {
     QStringList identifiers;
-    const HDEVINFO set
-        = SetupDiGetClassDevsW(&interfaceClass, nullptr, nullptr, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);
+    const HDEVINFO set = SetupDiGetClassDevsW(&interfaceClass, nullptr, nullptr, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);
     if (!set || set == INVALID_HANDLE_VALUE)
         return identifiers;
     std::vector<wchar_t> buffer(static_cast<std::size_t>(maximumLength));
@@ -87,8 +86,7 @@ QStringList presentUsbDevices(const GUID &interfaceClass, qint32 maximumLength)
         DWORD required = 0;
         SetupDiGetDeviceInstanceIdW(set, &record, buffer.data(), DWORD(buffer.size()), &required);
         buffer[std::min<std::size_t>(required, buffer.size() - 1)] = L'\0';
-        identifiers.append(
-            boundedUtf16(reinterpret_cast<const char16_t *>(buffer.data()), qsizetype(buffer.size())));
+        identifiers.append(boundedUtf16(reinterpret_cast<const char16_t *>(buffer.data()), qsizetype(buffer.size())));
     }
     SetupDiDestroyDeviceInfoList(set);
     return identifiers;

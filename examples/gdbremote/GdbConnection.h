@@ -31,8 +31,8 @@ public:
     /// Closes the connection.
     ~GdbConnection();
 
-    /// Connects to the server, without a proxy, after closing the connection there may be. @p timeout, in ms, is for all
-    /// of it: looking up a host name and trying its addresses one after another.
+    /// Connects to the server, without a proxy, after closing the connection there may be. @p timeout, in ms, is for
+    /// all of it: looking up a host name and trying its addresses one after another.
     Result open(const QString &host, quint16 port, int timeout);
     void close();
     bool isOpen() const;
