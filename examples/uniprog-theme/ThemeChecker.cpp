@@ -205,7 +205,7 @@ void ThemeChecker::checkMarkersLeft()
         if (marker.isEmpty() || seen.contains(marker) || position < 0)
             continue;
         seen.insert(marker);
-        const qint64 line = m_template.left(position).count('\n') + 1;
+        const qint64 line = QStringView(m_template).left(position).count('\n') + 1;
         m_findings.append({m_templatePath, line, Finding::Error, quoted(marker) + " has no value in " + m_themePath});
     }
 }
