@@ -25,7 +25,7 @@ QString errorLine(const QString &text)
 } // namespace
 
 /// What a failure in each phase of a procedure is called, and what is still done after it.
-class tst_UtilsUniProgThreadFailures : public UniProgTest
+class tst_UtilsUniProgThread_failures : public UniProgTest
 {
     Q_OBJECT
 
@@ -45,7 +45,7 @@ private Q_SLOTS:
     void textsAreNotTranslated();
 };
 
-void tst_UtilsUniProgThreadFailures::aFailedDeviceConnectIsExplained_data()
+void tst_UtilsUniProgThread_failures::aFailedDeviceConnectIsExplained_data()
 {
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("text");
@@ -61,7 +61,7 @@ void tst_UtilsUniProgThreadFailures::aFailedDeviceConnectIsExplained_data()
         QTest::addRow("other: %d", status) << status << "Connecting to device failed.";
 }
 
-void tst_UtilsUniProgThreadFailures::aFailedDeviceConnectIsExplained()
+void tst_UtilsUniProgThread_failures::aFailedDeviceConnectIsExplained()
 {
     QFETCH(int, status);
     QFETCH(QString, text);
@@ -83,7 +83,7 @@ void tst_UtilsUniProgThreadFailures::aFailedDeviceConnectIsExplained()
     QCOMPARE(control.driver.transcript(), QStringList{"ConnectSelectedDevice(, 0)"});
 }
 
-void tst_UtilsUniProgThreadFailures::aFailedTargetConnectIsExplained_data()
+void tst_UtilsUniProgThread_failures::aFailedTargetConnectIsExplained_data()
 {
     QTest::addColumn<Operation>("step");
     QTest::addColumn<int>("status");
@@ -102,7 +102,7 @@ void tst_UtilsUniProgThreadFailures::aFailedTargetConnectIsExplained_data()
     QTest::newRow("target, negative") << Operation::ConnectToTarget << -3 << failed;
 }
 
-void tst_UtilsUniProgThreadFailures::aFailedTargetConnectIsExplained()
+void tst_UtilsUniProgThread_failures::aFailedTargetConnectIsExplained()
 {
     QFETCH(Operation, step);
     QFETCH(int, status);
@@ -121,7 +121,7 @@ void tst_UtilsUniProgThreadFailures::aFailedTargetConnectIsExplained()
     QCOMPARE(rig.driver.transcript(), calls);
 }
 
-void tst_UtilsUniProgThreadFailures::aFailedTargetProcedureIsExplained_data()
+void tst_UtilsUniProgThread_failures::aFailedTargetProcedureIsExplained_data()
 {
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("text");
@@ -131,7 +131,7 @@ void tst_UtilsUniProgThreadFailures::aFailedTargetProcedureIsExplained_data()
         QTest::addRow("other: %d", status) << status << OperationFailed;
 }
 
-void tst_UtilsUniProgThreadFailures::aFailedTargetProcedureIsExplained()
+void tst_UtilsUniProgThread_failures::aFailedTargetProcedureIsExplained()
 {
     QFETCH(int, status);
     QFETCH(QString, text);
@@ -142,7 +142,7 @@ void tst_UtilsUniProgThreadFailures::aFailedTargetProcedureIsExplained()
     QCOMPARE(rig.log.events, ProcedureLog::targetRun({}, status, text));
 }
 
-void tst_UtilsUniProgThreadFailures::aFailedControlProcedureIsExplained_data()
+void tst_UtilsUniProgThread_failures::aFailedControlProcedureIsExplained_data()
 {
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("text");
@@ -152,7 +152,7 @@ void tst_UtilsUniProgThreadFailures::aFailedControlProcedureIsExplained_data()
         QTest::addRow("other: %d", status) << status << OperationFailed;
 }
 
-void tst_UtilsUniProgThreadFailures::aFailedControlProcedureIsExplained()
+void tst_UtilsUniProgThread_failures::aFailedControlProcedureIsExplained()
 {
     QFETCH(int, status);
     QFETCH(QString, text);
@@ -164,7 +164,7 @@ void tst_UtilsUniProgThreadFailures::aFailedControlProcedureIsExplained()
     QCOMPARE(rig.driver.transcript(), (QStringList{"Connect(1)", "FindDevice()", "Disconnect()"}));
 }
 
-void tst_UtilsUniProgThreadFailures::aFailedTargetDisconnectIsTheResultOfASuccess()
+void tst_UtilsUniProgThread_failures::aFailedTargetDisconnectIsTheResultOfASuccess()
 {
     const QString text = QStringLiteral("Disconnecting from target failed.");
     ProcedureRig rig;
@@ -180,7 +180,7 @@ void tst_UtilsUniProgThreadFailures::aFailedTargetDisconnectIsTheResultOfASucces
              (QStringList{"DisconnectFromTarget()", "SetTargetInterfaceInUse(false)", "Disconnect()"}));
 }
 
-void tst_UtilsUniProgThreadFailures::whenProcedureAndDisconnectFailStatusAndTextPart()
+void tst_UtilsUniProgThread_failures::whenProcedureAndDisconnectFailStatusAndTextPart()
 {
     const QString text = QStringLiteral("Disconnecting from target failed.");
     ProcedureRig rig;
@@ -193,7 +193,7 @@ void tst_UtilsUniProgThreadFailures::whenProcedureAndDisconnectFailStatusAndText
                           ProcedureLog::completed(51, text), "finished"}));
 }
 
-void tst_UtilsUniProgThreadFailures::anInterfaceThatCannotBeReleasedChangesNothing()
+void tst_UtilsUniProgThread_failures::anInterfaceThatCannotBeReleasedChangesNothing()
 {
     ProcedureRig rig;
     rig.driver.nth(Operation::SetTargetInterfaceInUse, 2, AnyFailure);
@@ -204,7 +204,7 @@ void tst_UtilsUniProgThreadFailures::anInterfaceThatCannotBeReleasedChangesNothi
              ProcedureLog::targetRun({ProcedureLog::line("Reset operation done.", LOGGER_MESSAGE_SUCCESS)}));
 }
 
-void tst_UtilsUniProgThreadFailures::aThreadWithoutDriverRefusesRequests()
+void tst_UtilsUniProgThread_failures::aThreadWithoutDriverRefusesRequests()
 {
     UtilsUniProgThread thread(nullptr, nullptr);
     ProcedureLog log(&thread);
@@ -219,7 +219,7 @@ void tst_UtilsUniProgThreadFailures::aThreadWithoutDriverRefusesRequests()
     QCOMPARE(log.events, refused + refused);
 }
 
-void tst_UtilsUniProgThreadFailures::textsAreNotTranslated()
+void tst_UtilsUniProgThread_failures::textsAreNotTranslated()
 {
     const ContextTranslator translator; // of whatever is asked
     ProcedureRig rig;
@@ -230,5 +230,5 @@ void tst_UtilsUniProgThreadFailures::textsAreNotTranslated()
     QVERIFY(rig.log.events.filter("<").isEmpty());
 }
 
-UNIPROG_TEST_MAIN(tst_UtilsUniProgThreadFailures)
+UNIPROG_TEST_MAIN(tst_UtilsUniProgThread_failures)
 #include "tst_utilsuniprogthread_failures.moc"

@@ -46,7 +46,7 @@ const QStringList PowerWriting = PowerLoading + QStringList{info("Erasing flash.
 
 } // namespace
 
-class tst_UtilsUniProgThreadFirmware : public UniProgTest
+class tst_UtilsUniProgThread_firmware : public UniProgTest
 {
     Q_OBJECT
 
@@ -80,7 +80,7 @@ private:
     QTemporaryDir folder;
 };
 
-QString tst_UtilsUniProgThreadFirmware::writeImage(const QByteArray &payload)
+QString tst_UtilsUniProgThread_firmware::writeImage(const QByteArray &payload)
 {
     const QString path = folder.filePath(QStringLiteral("firmware.bin"));
     QFile file(path);
@@ -90,7 +90,7 @@ QString tst_UtilsUniProgThreadFirmware::writeImage(const QByteArray &payload)
     return path;
 }
 
-void tst_UtilsUniProgThreadFirmware::process(ProcedureRig &rig, const QByteArray &payload, unsigned short sectorSize)
+void tst_UtilsUniProgThread_firmware::process(ProcedureRig &rig, const QByteArray &payload, unsigned short sectorSize)
 {
     TSelectedDevice device;
     device.name = QStringLiteral("bench");
@@ -98,7 +98,7 @@ void tst_UtilsUniProgThreadFirmware::process(ProcedureRig &rig, const QByteArray
     QVERIFY(rig.settle());
 }
 
-void tst_UtilsUniProgThreadFirmware::aDeviceImageIsErasedWrittenAndVerified()
+void tst_UtilsUniProgThread_firmware::aDeviceImageIsErasedWrittenAndVerified()
 {
     const QByteArray payload = payloadOf(4096);
     ProcedureRig rig;
@@ -124,7 +124,7 @@ void tst_UtilsUniProgThreadFirmware::aDeviceImageIsErasedWrittenAndVerified()
     QCOMPARE(written.mid(4096), QByteArray(5 * 992 - 4096, '\xFF'));
 }
 
-void tst_UtilsUniProgThreadFirmware::theLastBlockIsPadded()
+void tst_UtilsUniProgThread_firmware::theLastBlockIsPadded()
 {
     const QByteArray payload = payloadOf(1000);
     ProcedureRig rig;
@@ -135,7 +135,7 @@ void tst_UtilsUniProgThreadFirmware::theLastBlockIsPadded()
     QCOMPARE(calls[3].arguments.last().toByteArray(), payload.mid(992) + QByteArray(984, '\xFF'));
 }
 
-void tst_UtilsUniProgThreadFirmware::progressStopsAtTheMarksThatAreReached_data()
+void tst_UtilsUniProgThread_firmware::progressStopsAtTheMarksThatAreReached_data()
 {
     QTest::addColumn<int>("size");
     QTest::addColumn<QList<int>>("marks");
@@ -150,7 +150,7 @@ void tst_UtilsUniProgThreadFirmware::progressStopsAtTheMarksThatAreReached_data(
     QTest::newRow("22 million bytes") << 22'000'000 << QList<int>{10, 20, 30, 40, 50, 60, 70, 80, 90, 100};
 }
 
-void tst_UtilsUniProgThreadFirmware::progressStopsAtTheMarksThatAreReached()
+void tst_UtilsUniProgThread_firmware::progressStopsAtTheMarksThatAreReached()
 {
     QFETCH(int, size);
     QFETCH(QList<int>, marks);
@@ -162,7 +162,7 @@ void tst_UtilsUniProgThreadFirmware::progressStopsAtTheMarksThatAreReached()
     QCOMPARE(rig.log.lastStatus, 0);
 }
 
-void tst_UtilsUniProgThreadFirmware::aMissingFileLogsAnEmptyError()
+void tst_UtilsUniProgThread_firmware::aMissingFileLogsAnEmptyError()
 {
     for (const QString &path : {folder.filePath(QStringLiteral("missing.bin")), folder.path()}) {
         ProcedureRig rig;
@@ -174,7 +174,7 @@ void tst_UtilsUniProgThreadFirmware::aMissingFileLogsAnEmptyError()
     }
 }
 
-void tst_UtilsUniProgThreadFirmware::aFailedEraseEndsTheUpdate()
+void tst_UtilsUniProgThread_firmware::aFailedEraseEndsTheUpdate()
 {
     ProcedureRig rig;
     rig.driver.always(Operation::BootloaderErase, Failure);
@@ -187,7 +187,7 @@ void tst_UtilsUniProgThreadFirmware::aFailedEraseEndsTheUpdate()
              (QStringList{"ConnectSelectedDevice(bench, 0)", "BootloaderErase(0x8000, 1)", "Disconnect()"}));
 }
 
-void tst_UtilsUniProgThreadFirmware::aFailedBlockEndsTheUpdate_data()
+void tst_UtilsUniProgThread_firmware::aFailedBlockEndsTheUpdate_data()
 {
     QTest::addColumn<int>("block");
     QTest::addColumn<QList<int>>("marks");
@@ -196,7 +196,7 @@ void tst_UtilsUniProgThreadFirmware::aFailedBlockEndsTheUpdate_data()
     QTest::newRow("last") << 6 << QList<int>{10, 20, 30, 40, 50};
 }
 
-void tst_UtilsUniProgThreadFirmware::aFailedBlockEndsTheUpdate()
+void tst_UtilsUniProgThread_firmware::aFailedBlockEndsTheUpdate()
 {
     QFETCH(int, block);
     QFETCH(QList<int>, marks);
@@ -212,7 +212,7 @@ void tst_UtilsUniProgThreadFirmware::aFailedBlockEndsTheUpdate()
     QCOMPARE(rig.driver.callCount(Operation::BootloaderVerify), 0);
 }
 
-void tst_UtilsUniProgThreadFirmware::aFailedVerifyEndsTheUpdate()
+void tst_UtilsUniProgThread_firmware::aFailedVerifyEndsTheUpdate()
 {
     ProcedureRig rig;
     rig.driver.always(Operation::BootloaderVerify, Failure);
@@ -223,7 +223,7 @@ void tst_UtilsUniProgThreadFirmware::aFailedVerifyEndsTheUpdate()
                           ProcedureLog::completed(Failure, OperationFailed), "finished"}));
 }
 
-void tst_UtilsUniProgThreadFirmware::anEmptyImageIsErasedAndVerified()
+void tst_UtilsUniProgThread_firmware::anEmptyImageIsErasedAndVerified()
 {
     ProcedureRig rig;
     process(rig, QByteArray());
@@ -233,7 +233,7 @@ void tst_UtilsUniProgThreadFirmware::anEmptyImageIsErasedAndVerified()
     QCOMPARE(rig.log.lastStatus, 0);
 }
 
-void tst_UtilsUniProgThreadFirmware::theFrameExplainsTheStatusOfAnUpdate()
+void tst_UtilsUniProgThread_firmware::theFrameExplainsTheStatusOfAnUpdate()
 {
     ProcedureRig rig;
     rig.driver.always(Operation::BootloaderErase, 10);
@@ -241,7 +241,7 @@ void tst_UtilsUniProgThreadFirmware::theFrameExplainsTheStatusOfAnUpdate()
     QCOMPARE(rig.log.lastMessage, QStringLiteral("Wrong target voltage.\nCheck power settings."));
 }
 
-void tst_UtilsUniProgThreadFirmware::deviceAndSectorSizeReachTheImage_data()
+void tst_UtilsUniProgThread_firmware::deviceAndSectorSizeReachTheImage_data()
 {
     QTest::addColumn<unsigned int>("device");
     QTest::addColumn<QString>("erase");
@@ -249,7 +249,7 @@ void tst_UtilsUniProgThreadFirmware::deviceAndSectorSizeReachTheImage_data()
     QTest::newRow("a device with sectors of 4096 bytes") << 0x1002U << "BootloaderErase(0x8000, 2)";
 }
 
-void tst_UtilsUniProgThreadFirmware::deviceAndSectorSizeReachTheImage()
+void tst_UtilsUniProgThread_firmware::deviceAndSectorSizeReachTheImage()
 {
     QFETCH(unsigned int, device);
     QFETCH(QString, erase);
@@ -259,7 +259,7 @@ void tst_UtilsUniProgThreadFirmware::deviceAndSectorSizeReachTheImage()
     QCOMPARE(rig.driver.transcript().at(1), erase);
 }
 
-void tst_UtilsUniProgThreadFirmware::updatesUseTheConfigurationLink()
+void tst_UtilsUniProgThread_firmware::updatesUseTheConfigurationLink()
 {
     ProcedureRig rig;
     rig.thread.FindDevice(); // leaves the other link behind
@@ -276,7 +276,7 @@ void tst_UtilsUniProgThreadFirmware::updatesUseTheConfigurationLink()
     QCOMPARE(rig.driver.transcript().first(), QStringLiteral("ConnectSelectedDevice(bench, 0)"));
 }
 
-void tst_UtilsUniProgThreadFirmware::thePowerModuleIsErasedWrittenVerifiedAndReset()
+void tst_UtilsUniProgThread_firmware::thePowerModuleIsErasedWrittenVerifiedAndReset()
 {
     ProcedureRig rig;
     rig.thread.PowerBootloaderWrite();
@@ -305,7 +305,7 @@ void tst_UtilsUniProgThreadFirmware::thePowerModuleIsErasedWrittenVerifiedAndRes
     QCOMPARE(verified.at(1).toInt(), PowerPayload);
 }
 
-void tst_UtilsUniProgThreadFirmware::aFailedPowerEraseEndsTheUpdate()
+void tst_UtilsUniProgThread_firmware::aFailedPowerEraseEndsTheUpdate()
 {
     ProcedureRig rig;
     rig.driver.always(Operation::PowerBootloaderErase, Failure);
@@ -318,7 +318,7 @@ void tst_UtilsUniProgThreadFirmware::aFailedPowerEraseEndsTheUpdate()
     QCOMPARE(rig.driver.transcript(), (QStringList{"Connect(0)", "PowerBootloaderErase(0x2)", "Disconnect()"}));
 }
 
-void tst_UtilsUniProgThreadFirmware::aFailedPowerBlockIsTriedAgain_data()
+void tst_UtilsUniProgThread_firmware::aFailedPowerBlockIsTriedAgain_data()
 {
     QTest::addColumn<QList<int>>("failing");
     QTest::addColumn<QStringList>("attempts");
@@ -329,7 +329,7 @@ void tst_UtilsUniProgThreadFirmware::aFailedPowerBlockIsTriedAgain_data()
                                       << QStringList{failed, failed, failed, failed} + progress({20});
 }
 
-void tst_UtilsUniProgThreadFirmware::aFailedPowerBlockIsTriedAgain()
+void tst_UtilsUniProgThread_firmware::aFailedPowerBlockIsTriedAgain()
 {
     QFETCH(QList<int>, failing);
     QFETCH(QStringList, attempts);
@@ -359,7 +359,7 @@ void tst_UtilsUniProgThreadFirmware::aFailedPowerBlockIsTriedAgain()
     }
 }
 
-void tst_UtilsUniProgThreadFirmware::whenThePowerBlocksEndInAFailureNothingFollows()
+void tst_UtilsUniProgThread_firmware::whenThePowerBlocksEndInAFailureNothingFollows()
 {
     ProcedureRig rig;
     rig.driver.nth(Operation::PowerBootloaderWrite, PowerBlocks, 11);
@@ -373,7 +373,7 @@ void tst_UtilsUniProgThreadFirmware::whenThePowerBlocksEndInAFailureNothingFollo
     QCOMPARE(rig.driver.callCount(Operation::PowerBootloaderReset), 0);
 }
 
-void tst_UtilsUniProgThreadFirmware::aFailedPowerVerifyIsFollowedByTheReset_data()
+void tst_UtilsUniProgThread_firmware::aFailedPowerVerifyIsFollowedByTheReset_data()
 {
     QTest::addColumn<int>("verifyStatus");
     QTest::addColumn<bool>("mismatch");
@@ -390,7 +390,7 @@ void tst_UtilsUniProgThreadFirmware::aFailedPowerVerifyIsFollowedByTheReset_data
     QTest::newRow("both fail") << Failure << false << 5 << failed;
 }
 
-void tst_UtilsUniProgThreadFirmware::aFailedPowerVerifyIsFollowedByTheReset()
+void tst_UtilsUniProgThread_firmware::aFailedPowerVerifyIsFollowedByTheReset()
 {
     QFETCH(int, verifyStatus);
     QFETCH(bool, mismatch);
@@ -416,5 +416,5 @@ void tst_UtilsUniProgThreadFirmware::aFailedPowerVerifyIsFollowedByTheReset()
     QVERIFY(silent.log.events.contains(success("Write operation done and verified.")));
 }
 
-UNIPROG_TEST_MAIN(tst_UtilsUniProgThreadFirmware)
+UNIPROG_TEST_MAIN(tst_UtilsUniProgThread_firmware)
 #include "tst_utilsuniprogthread_firmware.moc"

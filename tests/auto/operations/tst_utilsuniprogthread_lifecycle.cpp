@@ -58,7 +58,7 @@ using Delete = std::function<void(std::unique_ptr<UtilsUniProgThread> &)>;
 Q_DECLARE_METATYPE(Delete)
 
 /// Where the object lives, when it is busy, and how it goes.
-class tst_UtilsUniProgThreadLifecycle : public UniProgTest
+class tst_UtilsUniProgThread_lifecycle : public UniProgTest
 {
     Q_OBJECT
 
@@ -82,7 +82,7 @@ private Q_SLOTS:
     void theDriverMayGoBeforeTheObject();
 };
 
-void tst_UtilsUniProgThreadLifecycle::theObjectIsBusyUntilItIsHome()
+void tst_UtilsUniProgThread_lifecycle::theObjectIsBusyUntilItIsHome()
 {
     ProcedureRig rig;
     bool busyInSlot = false;
@@ -101,7 +101,7 @@ void tst_UtilsUniProgThreadLifecycle::theObjectIsBusyUntilItIsHome()
     QCOMPARE(rig.thread.thread(), QThread::currentThread());
 }
 
-void tst_UtilsUniProgThreadLifecycle::aGivenThreadIsTheHome()
+void tst_UtilsUniProgThread_lifecycle::aGivenThreadIsTheHome()
 {
     HomeThread home;
     ScriptedDriver driver;
@@ -125,7 +125,7 @@ void tst_UtilsUniProgThreadLifecycle::aGivenThreadIsTheHome()
     home.end();
 }
 
-void tst_UtilsUniProgThreadLifecycle::aRequestFromAnotherThreadHopsHome()
+void tst_UtilsUniProgThread_lifecycle::aRequestFromAnotherThreadHopsHome()
 {
     ProcedureRig rig;
     int returned = -1;
@@ -142,7 +142,7 @@ void tst_UtilsUniProgThreadLifecycle::aRequestFromAnotherThreadHopsHome()
     QCOMPARE(rig.thread.thread(), QThread::currentThread());
 }
 
-void tst_UtilsUniProgThreadLifecycle::aRequestInsideTheCompletionSlotRuns_data()
+void tst_UtilsUniProgThread_lifecycle::aRequestInsideTheCompletionSlotRuns_data()
 {
     QTest::addColumn<Qt::ConnectionType>("type");
     QTest::newRow("queued") << Qt::AutoConnection;
@@ -150,7 +150,7 @@ void tst_UtilsUniProgThreadLifecycle::aRequestInsideTheCompletionSlotRuns_data()
     QTest::newRow("blocking") << Qt::BlockingQueuedConnection;
 }
 
-void tst_UtilsUniProgThreadLifecycle::aRequestInsideTheCompletionSlotRuns()
+void tst_UtilsUniProgThread_lifecycle::aRequestInsideTheCompletionSlotRuns()
 {
     QFETCH(Qt::ConnectionType, type);
     constexpr int Requests = 30;
@@ -179,14 +179,14 @@ void tst_UtilsUniProgThreadLifecycle::aRequestInsideTheCompletionSlotRuns()
     QCOMPARE(rig.thread.thread(), QThread::currentThread());
 }
 
-void tst_UtilsUniProgThreadLifecycle::aRequestInsideTheFinishedSlotRuns_data()
+void tst_UtilsUniProgThread_lifecycle::aRequestInsideTheFinishedSlotRuns_data()
 {
     QTest::addColumn<Qt::ConnectionType>("type");
     QTest::newRow("queued") << Qt::AutoConnection;
     QTest::newRow("direct") << Qt::DirectConnection;
 }
 
-void tst_UtilsUniProgThreadLifecycle::aRequestInsideTheFinishedSlotRuns()
+void tst_UtilsUniProgThread_lifecycle::aRequestInsideTheFinishedSlotRuns()
 {
     QFETCH(Qt::ConnectionType, type);
     constexpr int Requests = 30;
@@ -205,7 +205,7 @@ void tst_UtilsUniProgThreadLifecycle::aRequestInsideTheFinishedSlotRuns()
     QCOMPARE(rig.log.lastStatus, 0);
 }
 
-void tst_UtilsUniProgThreadLifecycle::theObjectIsNeverIdleBetweenChainedRequests()
+void tst_UtilsUniProgThread_lifecycle::theObjectIsNeverIdleBetweenChainedRequests()
 {
     constexpr int Requests = 100;
     ProcedureRig rig;
@@ -235,7 +235,7 @@ void tst_UtilsUniProgThreadLifecycle::theObjectIsNeverIdleBetweenChainedRequests
     QCOMPARE(idleTooEarly.load(), 0);
 }
 
-void tst_UtilsUniProgThreadLifecycle::anObjectThatWasMovedComesBackToItsHome()
+void tst_UtilsUniProgThread_lifecycle::anObjectThatWasMovedComesBackToItsHome()
 {
     HomeThread elsewhere;
     ProcedureRig rig;
@@ -256,7 +256,7 @@ void tst_UtilsUniProgThreadLifecycle::anObjectThatWasMovedComesBackToItsHome()
     elsewhere.end();
 }
 
-void tst_UtilsUniProgThreadLifecycle::theEndOfAnotherThreadDoesNotBringTheObjectHome()
+void tst_UtilsUniProgThread_lifecycle::theEndOfAnotherThreadDoesNotBringTheObjectHome()
 {
     ProcedureRig rig;
     QThread stranger;
@@ -286,7 +286,7 @@ void tst_UtilsUniProgThreadLifecycle::theEndOfAnotherThreadDoesNotBringTheObject
     QVERIFY(rig.settle(2));
 }
 
-void tst_UtilsUniProgThreadLifecycle::completionIsEmittedUnderTheLockAndFinishedAfterIt()
+void tst_UtilsUniProgThread_lifecycle::completionIsEmittedUnderTheLockAndFinishedAfterIt()
 {
     ScriptedDriver driver;
     UtilsUniProgThread first(&driver, nullptr);
@@ -318,7 +318,7 @@ void tst_UtilsUniProgThreadLifecycle::completionIsEmittedUnderTheLockAndFinished
     QVERIFY(secondCameAfterUnlock);
 }
 
-void tst_UtilsUniProgThreadLifecycle::deletionInEveryPhase_data()
+void tst_UtilsUniProgThread_lifecycle::deletionInEveryPhase_data()
 {
     QTest::addColumn<QString>("phase");
     QTest::addColumn<Delete>("remove");
@@ -330,7 +330,7 @@ void tst_UtilsUniProgThreadLifecycle::deletionInEveryPhase_data()
     }
 }
 
-void tst_UtilsUniProgThreadLifecycle::deletionInEveryPhase()
+void tst_UtilsUniProgThread_lifecycle::deletionInEveryPhase()
 {
     QFETCH(QString, phase);
     QFETCH(Delete, remove);
@@ -367,7 +367,7 @@ void tst_UtilsUniProgThreadLifecycle::deletionInEveryPhase()
     }
 }
 
-void tst_UtilsUniProgThreadLifecycle::deletionWhileWaitingForTheTurn()
+void tst_UtilsUniProgThread_lifecycle::deletionWhileWaitingForTheTurn()
 {
     ScriptedDriver driver;
     UtilsUniProgThread holder(&driver, nullptr);
@@ -384,7 +384,7 @@ void tst_UtilsUniProgThreadLifecycle::deletionWhileWaitingForTheTurn()
     QCOMPARE(driver.interleavings(), QStringList());
 }
 
-void tst_UtilsUniProgThreadLifecycle::deletionDoesNotDisturbADriverThatWaitsInAnEventLoop()
+void tst_UtilsUniProgThread_lifecycle::deletionDoesNotDisturbADriverThatWaitsInAnEventLoop()
 {
     ScriptedDriver driver;
     std::atomic_bool waitedToTheEnd{false};
@@ -404,7 +404,7 @@ void tst_UtilsUniProgThreadLifecycle::deletionDoesNotDisturbADriverThatWaitsInAn
     QCOMPARE(driver.callCount(Operation::Disconnect), 1);
 }
 
-void tst_UtilsUniProgThreadLifecycle::deletionBeforeTheHopHasArrived()
+void tst_UtilsUniProgThread_lifecycle::deletionBeforeTheHopHasArrived()
 {
     ScriptedDriver driver;
     auto thread = std::make_unique<UtilsUniProgThread>(&driver, nullptr);
@@ -415,7 +415,7 @@ void tst_UtilsUniProgThreadLifecycle::deletionBeforeTheHopHasArrived()
     QCOMPARE(driver.callCount(Operation::Connect), 0);
 }
 
-void tst_UtilsUniProgThreadLifecycle::theDriverMayGoBeforeTheObject()
+void tst_UtilsUniProgThread_lifecycle::theDriverMayGoBeforeTheObject()
 {
     auto driver = std::make_unique<ScriptedDriver>();
     UtilsUniProgThread thread(driver.get(), nullptr);
@@ -426,5 +426,5 @@ void tst_UtilsUniProgThreadLifecycle::theDriverMayGoBeforeTheObject()
     QVERIFY(!thread.IsProcedureInProgress());
 }
 
-UNIPROG_TEST_MAIN(tst_UtilsUniProgThreadLifecycle)
+UNIPROG_TEST_MAIN(tst_UtilsUniProgThread_lifecycle)
 #include "tst_utilsuniprogthread_lifecycle.moc"

@@ -65,7 +65,7 @@ Q_DECLARE_METATYPE(Script)
 Q_DECLARE_METATYPE(Request)
 
 /// What the procedures say and call. Rows compare the whole log and every call between the connect and the disconnect.
-class tst_UtilsUniProgThreadProcedures : public UniProgTest
+class tst_UtilsUniProgThread_procedures : public UniProgTest
 {
     Q_OBJECT
 
@@ -96,7 +96,7 @@ private:
     static QStringList procedureCalls(const ScriptedDriver &driver, bool onTarget);
 };
 
-void tst_UtilsUniProgThreadProcedures::setOptions(ScriptedDriver &driver, const Options &options)
+void tst_UtilsUniProgThread_procedures::setOptions(ScriptedDriver &driver, const Options &options)
 {
     TargetDescriptor &descriptor = *driver.targetDescriptor();
     descriptor.getOperationOptions()->setIntValue(0, options.eraseMode);
@@ -105,7 +105,7 @@ void tst_UtilsUniProgThreadProcedures::setOptions(ScriptedDriver &driver, const 
     descriptor.getConnectionOptions()->setIntValue(5, options.haltAfterReset);
 }
 
-QStringList tst_UtilsUniProgThreadProcedures::procedureCalls(const ScriptedDriver &driver, bool onTarget)
+QStringList tst_UtilsUniProgThread_procedures::procedureCalls(const ScriptedDriver &driver, bool onTarget)
 {
     const int before = onTarget ? 4 : 1;
     const int after = onTarget ? 3 : 1;
@@ -113,7 +113,7 @@ QStringList tst_UtilsUniProgThreadProcedures::procedureCalls(const ScriptedDrive
     return all.mid(before, all.size() - before - after);
 }
 
-void tst_UtilsUniProgThreadProcedures::writeTarget_data()
+void tst_UtilsUniProgThread_procedures::writeTarget_data()
 {
     QTest::addColumn<Options>("options");
     QTest::addColumn<Script>("script");
@@ -171,7 +171,7 @@ void tst_UtilsUniProgThreadProcedures::writeTarget_data()
                                  << QStringList{mass, write, reset};
 }
 
-void tst_UtilsUniProgThreadProcedures::writeTarget()
+void tst_UtilsUniProgThread_procedures::writeTarget()
 {
     QFETCH(Options, options);
     QFETCH(Script, script);
@@ -187,7 +187,7 @@ void tst_UtilsUniProgThreadProcedures::writeTarget()
     QCOMPARE(procedureCalls(rig.driver, true), calls);
 }
 
-void tst_UtilsUniProgThreadProcedures::verifyTarget_data()
+void tst_UtilsUniProgThread_procedures::verifyTarget_data()
 {
     QTest::addColumn<int>("leaveRunning");
     QTest::addColumn<Script>("script");
@@ -213,7 +213,7 @@ void tst_UtilsUniProgThreadProcedures::verifyTarget_data()
         << 1 << writesNothing(Operation::VerifyTarget) << ProcedureLog::targetRun(different) << false;
 }
 
-void tst_UtilsUniProgThreadProcedures::verifyTarget()
+void tst_UtilsUniProgThread_procedures::verifyTarget()
 {
     QFETCH(int, leaveRunning);
     QFETCH(Script, script);
@@ -230,7 +230,7 @@ void tst_UtilsUniProgThreadProcedures::verifyTarget()
     QCOMPARE(rig.driver.callCount(Operation::ResetTarget), int(resets));
 }
 
-void tst_UtilsUniProgThreadProcedures::checkTargetBlank_data()
+void tst_UtilsUniProgThread_procedures::checkTargetBlank_data()
 {
     QTest::addColumn<int>("leaveRunning");
     QTest::addColumn<Script>("script");
@@ -255,7 +255,7 @@ void tst_UtilsUniProgThreadProcedures::checkTargetBlank_data()
     QTest::newRow("failed reset") << 0 << fails(Operation::ResetTarget) << ProcedureLog::targetRun(blank) << true;
 }
 
-void tst_UtilsUniProgThreadProcedures::checkTargetBlank()
+void tst_UtilsUniProgThread_procedures::checkTargetBlank()
 {
     QFETCH(int, leaveRunning);
     QFETCH(Script, script);
@@ -271,7 +271,7 @@ void tst_UtilsUniProgThreadProcedures::checkTargetBlank()
     QCOMPARE(rig.driver.callCount(Operation::ResetTarget), int(resets));
 }
 
-void tst_UtilsUniProgThreadProcedures::otherTargetProcedures_data()
+void tst_UtilsUniProgThread_procedures::otherTargetProcedures_data()
 {
     QTest::addColumn<Request>("request");
     QTest::addColumn<Script>("script");
@@ -310,7 +310,7 @@ void tst_UtilsUniProgThreadProcedures::otherTargetProcedures_data()
                                  << ProcedureLog::targetRun({}, Failure, OperationFailed);
 }
 
-void tst_UtilsUniProgThreadProcedures::otherTargetProcedures()
+void tst_UtilsUniProgThread_procedures::otherTargetProcedures()
 {
     QFETCH(Request, request);
     QFETCH(Script, script);
@@ -323,7 +323,7 @@ void tst_UtilsUniProgThreadProcedures::otherTargetProcedures()
     QCOMPARE(procedureCalls(rig.driver, true).size(), 1);
 }
 
-void tst_UtilsUniProgThreadProcedures::controlProcedures_data()
+void tst_UtilsUniProgThread_procedures::controlProcedures_data()
 {
     QTest::addColumn<Request>("request");
     QTest::addColumn<Operation>("operation");
@@ -361,7 +361,7 @@ void tst_UtilsUniProgThreadProcedures::controlProcedures_data()
     row([](Thread &t) { t.BootloaderExit(TSelectedDevice()); }, Operation::BootloaderExit);
 }
 
-void tst_UtilsUniProgThreadProcedures::controlProcedures()
+void tst_UtilsUniProgThread_procedures::controlProcedures()
 {
     QFETCH(Request, request);
     QFETCH(Operation, operation);
@@ -391,7 +391,7 @@ void tst_UtilsUniProgThreadProcedures::controlProcedures()
     }
 }
 
-void tst_UtilsUniProgThreadProcedures::powerSupplyChecks_data()
+void tst_UtilsUniProgThread_procedures::powerSupplyChecks_data()
 {
     QTest::addColumn<Request>("request");
     QTest::addColumn<Script>("script");
@@ -423,7 +423,7 @@ void tst_UtilsUniProgThreadProcedures::powerSupplyChecks_data()
     }) << set.mid(0, 2) << 10;
 }
 
-void tst_UtilsUniProgThreadProcedures::powerSupplyChecks()
+void tst_UtilsUniProgThread_procedures::powerSupplyChecks()
 {
     QFETCH(Request, request);
     QFETCH(Script, script);
@@ -445,7 +445,7 @@ void tst_UtilsUniProgThreadProcedures::powerSupplyChecks()
     QCOMPARE(rig.log.events, ProcedureLog::controlRun({}, status, text));
 }
 
-void tst_UtilsUniProgThreadProcedures::swoEnableLogsItsOwnTextAndTheFramesToo()
+void tst_UtilsUniProgThread_procedures::swoEnableLogsItsOwnTextAndTheFramesToo()
 {
     const QString voltage = QStringLiteral("Wrong target voltage.\nCheck power settings.");
     ProcedureRig rig;
@@ -464,7 +464,7 @@ void tst_UtilsUniProgThreadProcedures::swoEnableLogsItsOwnTextAndTheFramesToo()
     QCOMPARE(refused.log.events, ProcedureLog::controlRun({}, Failure, OperationFailed));
 }
 
-void tst_UtilsUniProgThreadProcedures::swoDisableLogsItsOwnTextAndTheFramesToo()
+void tst_UtilsUniProgThread_procedures::swoDisableLogsItsOwnTextAndTheFramesToo()
 {
     ProcedureRig rig;
     rig.thread.SwoDisable();
@@ -481,7 +481,7 @@ void tst_UtilsUniProgThreadProcedures::swoDisableLogsItsOwnTextAndTheFramesToo()
              (QStringList{"DisconnectFromTarget()", "SetTargetInterfaceInUse(false)"}));
 }
 
-void tst_UtilsUniProgThreadProcedures::bootloaderInfoIsFilledOrCleared()
+void tst_UtilsUniProgThread_procedures::bootloaderInfoIsFilledOrCleared()
 {
     ProcedureRig rig;
     QByteArray bootloader("old");
@@ -509,7 +509,7 @@ void tst_UtilsUniProgThreadProcedures::bootloaderInfoIsFilledOrCleared()
     QCOMPARE(rig.log.lastStatus, 5);
 }
 
-void tst_UtilsUniProgThreadProcedures::callersFlagsMayBeMissing()
+void tst_UtilsUniProgThread_procedures::callersFlagsMayBeMissing()
 {
     ProcedureRig rig;
     MemoryManager memory;
@@ -526,7 +526,7 @@ void tst_UtilsUniProgThreadProcedures::callersFlagsMayBeMissing()
     QVERIFY(!rig.driver.transcript().join(' ').contains("null"));
 }
 
-void tst_UtilsUniProgThreadProcedures::theWriteSettlesAlsoAfterAFailure()
+void tst_UtilsUniProgThread_procedures::theWriteSettlesAlsoAfterAFailure()
 {
     // The time between the end of the write and the next call, as the driver sees it.
     for (const int status : {0, Failure}) {
@@ -542,7 +542,7 @@ void tst_UtilsUniProgThreadProcedures::theWriteSettlesAlsoAfterAFailure()
     }
 }
 
-void tst_UtilsUniProgThreadProcedures::aDescriptorThatExpiresReadsAsZero()
+void tst_UtilsUniProgThread_procedures::aDescriptorThatExpiresReadsAsZero()
 {
     ProcedureRig rig;
     setOptions(rig.driver, {2, 1, 1, 1});
@@ -567,7 +567,7 @@ void tst_UtilsUniProgThreadProcedures::aDescriptorThatExpiresReadsAsZero()
              (QStringList{"EraseTargetMass()", "WriteTarget(pointer, 0)", "ResetTarget(0)"}));
 }
 
-void tst_UtilsUniProgThreadProcedures::resultsReachTheCaller()
+void tst_UtilsUniProgThread_procedures::resultsReachTheCaller()
 {
     ProcedureRig rig;
     bool flag = true;
@@ -596,5 +596,5 @@ void tst_UtilsUniProgThreadProcedures::resultsReachTheCaller()
     QCOMPARE(bytes[0], static_cast<unsigned char>('o'));
 }
 
-UNIPROG_TEST_MAIN(tst_UtilsUniProgThreadProcedures)
+UNIPROG_TEST_MAIN(tst_UtilsUniProgThread_procedures)
 #include "tst_utilsuniprogthread_procedures.moc"

@@ -13,7 +13,7 @@
 using Operation = ScriptedDriver::Operation;
 
 /// Many requests: nothing meets on the driver, nothing is lost, nothing is said twice.
-class tst_UtilsUniProgThreadStress : public UniProgTest
+class tst_UtilsUniProgThread_stress : public UniProgTest
 {
     Q_OBJECT
 
@@ -22,7 +22,7 @@ private Q_SLOTS:
     void fourObjectsSideBySide();
 };
 
-void tst_UtilsUniProgThreadStress::aThousandRequestsInARow()
+void tst_UtilsUniProgThread_stress::aThousandRequestsInARow()
 {
     constexpr int Requests = 1000;
     ProcedureRig rig;
@@ -49,7 +49,7 @@ void tst_UtilsUniProgThreadStress::aThousandRequestsInARow()
     }
 }
 
-void tst_UtilsUniProgThreadStress::fourObjectsSideBySide()
+void tst_UtilsUniProgThread_stress::fourObjectsSideBySide()
 {
     constexpr int Objects = 4;
     constexpr int RequestsEach = 250;
@@ -86,5 +86,5 @@ void tst_UtilsUniProgThreadStress::fourObjectsSideBySide()
     }
 }
 
-UNIPROG_TEST_MAIN(tst_UtilsUniProgThreadStress)
+UNIPROG_TEST_MAIN(tst_UtilsUniProgThread_stress)
 #include "tst_utilsuniprogthread_stress.moc"

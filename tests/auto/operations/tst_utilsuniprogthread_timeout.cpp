@@ -55,7 +55,7 @@ Waiting *leftBehind = nullptr;
 } // namespace
 
 /// A request that does not get its turn at the device within 5 s. The objects of all tests wait side by side.
-class tst_UtilsUniProgThreadTimeout : public UniProgTest
+class tst_UtilsUniProgThread_timeout : public UniProgTest
 {
     Q_OBJECT
 
@@ -82,7 +82,7 @@ private:
     std::unique_ptr<Waiting> early;
 };
 
-void tst_UtilsUniProgThreadTimeout::initTestCase()
+void tst_UtilsUniProgThread_timeout::initTestCase()
 {
     holder = std::make_unique<ProcedureRig>();
     holder->driver.next(Operation::FindDevice, Answer().untilReleased());
@@ -105,7 +105,7 @@ void tst_UtilsUniProgThreadTimeout::initTestCase()
     QVERIFY(holder->settle());
 }
 
-void tst_UtilsUniProgThreadTimeout::nothingIsEmittedAndTheWorkerStays()
+void tst_UtilsUniProgThread_timeout::nothingIsEmittedAndTheWorkerStays()
 {
     QCoreApplication::processEvents();
     QVERIFY2(waitedFor >= PatienceMs, qPrintable(QString::number(waitedFor)));
@@ -118,20 +118,20 @@ void tst_UtilsUniProgThreadTimeout::nothingIsEmittedAndTheWorkerStays()
     }
 }
 
-void tst_UtilsUniProgThreadTimeout::theObjectCanBeDeleted()
+void tst_UtilsUniProgThread_timeout::theObjectCanBeDeleted()
 {
     deleted->thread.reset();
     QVERIFY(deleted->worker.isNull());
 }
 
-void tst_UtilsUniProgThreadTimeout::theObjectCanBeDeletedLater()
+void tst_UtilsUniProgThread_timeout::theObjectCanBeDeletedLater()
 {
     const QPointer<UtilsUniProgThread> object = deletedLater->thread.get();
     deletedLater->thread.release()->deleteLater();
     QTRY_VERIFY_WITH_TIMEOUT(object.isNull() && deletedLater->worker.isNull(), TestLimitMs);
 }
 
-void tst_UtilsUniProgThreadTimeout::aLaterRequestRuns()
+void tst_UtilsUniProgThread_timeout::aLaterRequestRuns()
 {
     for (int i = 1; i <= 2; ++i) {
         later->thread->ResetTarget();
@@ -145,27 +145,27 @@ void tst_UtilsUniProgThreadTimeout::aLaterRequestRuns()
     QCOMPARE(later->driver.callCount(Operation::FindDevice), 0);
 }
 
-void tst_UtilsUniProgThreadTimeout::aLaterRequestFromAnotherThreadRuns()
+void tst_UtilsUniProgThread_timeout::aLaterRequestFromAnotherThreadRuns()
 {
     std::thread([this] { foreign->thread->ResetTarget(); }).join();
     QTRY_VERIFY_WITH_TIMEOUT(foreign->log.ends == 1 && !foreign->thread->IsProcedureInProgress(), TestLimitMs);
     QCOMPARE(foreign->log.lastStatus, 0);
 }
 
-void tst_UtilsUniProgThreadTimeout::aLaterRequestMayComeBeforeTheDeviceIsFree()
+void tst_UtilsUniProgThread_timeout::aLaterRequestMayComeBeforeTheDeviceIsFree()
 {
     QTRY_VERIFY_WITH_TIMEOUT(early->log.ends == 1 && !early->thread->IsProcedureInProgress(), TestLimitMs);
     QCOMPARE(early->log.lastStatus, 0);
     QCOMPARE(early->driver.callCount(Operation::FindDevice), 1);
 }
 
-void tst_UtilsUniProgThreadTimeout::theHolderWasNotDisturbed()
+void tst_UtilsUniProgThread_timeout::theHolderWasNotDisturbed()
 {
     QCOMPARE(holder->log.events,
              ProcedureLog::controlRun({ProcedureLog::line("My device signaled.", LOGGER_MESSAGE_SUCCESS)}));
 }
 
-void tst_UtilsUniProgThreadTimeout::anApplicationTakesItsTurnToo()
+void tst_UtilsUniProgThread_timeout::anApplicationTakesItsTurnToo()
 {
     QMutex &turn = *UtilsUniProgThread::mutexAccessThread;
     ProcedureRig rig;
@@ -197,5 +197,5 @@ void tst_UtilsUniProgThreadTimeout::anApplicationTakesItsTurnToo()
     QCOMPARE(freeAtTheEnd.load(), 1);
 }
 
-UNIPROG_TEST_MAIN(tst_UtilsUniProgThreadTimeout)
+UNIPROG_TEST_MAIN(tst_UtilsUniProgThread_timeout)
 #include "tst_utilsuniprogthread_timeout.moc"

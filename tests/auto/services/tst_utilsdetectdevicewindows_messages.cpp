@@ -71,7 +71,7 @@ private:
 } // namespace
 
 /// Real messages to the real window.
-class tst_UtilsDetectDeviceWindows_Messages : public UniProgTest
+class tst_UtilsDetectDeviceWindows_messages : public UniProgTest
 {
     Q_OBJECT
 
@@ -102,7 +102,7 @@ private:
     QStringList log;
 };
 
-void tst_UtilsDetectDeviceWindows_Messages::initTestCase()
+void tst_UtilsDetectDeviceWindows_messages::initTestCase()
 {
     QVERIFY(watcher().registerDeviceNotification(InterfaceClass));
     const auto record = [this](const char *what, int pid, int vid) {
@@ -115,14 +115,14 @@ void tst_UtilsDetectDeviceWindows_Messages::initTestCase()
             [record](int pid, int vid) { record("detached", pid, vid); });
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::init()
+void tst_UtilsDetectDeviceWindows_messages::init()
 {
     UniProgTest::init();
     watcher().registerDeviceByPidVid(Pid, Vid);
     QCOMPARE(log, QStringList());
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::cleanup()
+void tst_UtilsDetectDeviceWindows_messages::cleanup()
 {
     const QList<std::pair<int, int>> watched = watcher().getMonitoringDevices();
     for (const auto &[pid, vid] : watched)
@@ -130,7 +130,7 @@ void tst_UtilsDetectDeviceWindows_Messages::cleanup()
     log.clear();
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::theWindowIsHiddenAndForMessagesOnly()
+void tst_UtilsDetectDeviceWindows_messages::theWindowIsHiddenAndForMessagesOnly()
 {
     const HWND window = watcher().getHwnd();
     QVERIFY(IsWindow(window));
@@ -148,7 +148,7 @@ void tst_UtilsDetectDeviceWindows_Messages::theWindowIsHiddenAndForMessagesOnly(
     QCOMPARE(FindWindowExW(HWND_MESSAGE, nullptr, name, nullptr), window);
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::anArrivalAndARemovalAreReported_data()
+void tst_UtilsDetectDeviceWindows_messages::anArrivalAndARemovalAreReported_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("upper case") << Path;
@@ -156,7 +156,7 @@ void tst_UtilsDetectDeviceWindows_Messages::anArrivalAndARemovalAreReported_data
     QTest::newRow("mixed case") << QStringLiteral("viD_1a2B&Pid_1234");
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::anArrivalAndARemovalAreReported()
+void tst_UtilsDetectDeviceWindows_messages::anArrivalAndARemovalAreReported()
 {
     QFETCH(QString, name);
     const Broadcast broadcast(name);
@@ -166,7 +166,7 @@ void tst_UtilsDetectDeviceWindows_Messages::anArrivalAndARemovalAreReported()
     QCOMPARE(log, QStringList({QStringLiteral("attached 1234 1a2b"), QStringLiteral("detached 1234 1a2b")}));
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::everyPairThatMatchesIsReportedInTheOrderOfTheList()
+void tst_UtilsDetectDeviceWindows_messages::everyPairThatMatchesIsReportedInTheOrderOfTheList()
 {
     watcher().unregisterDeviceByPidVid(Pid, Vid);
     watcher().registerDeviceByPidVid(0x12345, Vid);
@@ -176,7 +176,7 @@ void tst_UtilsDetectDeviceWindows_Messages::everyPairThatMatchesIsReportedInTheO
     QCOMPARE(log, QStringList({QStringLiteral("attached 12345 1a2b"), QStringLiteral("attached 1234 1a2b")}));
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::theListMayChangeWhileItIsWalked()
+void tst_UtilsDetectDeviceWindows_messages::theListMayChangeWhileItIsWalked()
 {
     watcher().registerDeviceByPidVid(0x12345, Vid);
     QObject receiver;
@@ -192,7 +192,7 @@ void tst_UtilsDetectDeviceWindows_Messages::theListMayChangeWhileItIsWalked()
     QCOMPARE(log, both);
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::otherEventsAreIgnored_data()
+void tst_UtilsDetectDeviceWindows_messages::otherEventsAreIgnored_data()
 {
     QTest::addColumn<uint>("event");
     QTest::newRow("nodes changed") << uint(DBT_DEVNODES_CHANGED);
@@ -206,14 +206,14 @@ void tst_UtilsDetectDeviceWindows_Messages::otherEventsAreIgnored_data()
     QTest::newRow("none") << 0U;
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::otherEventsAreIgnored()
+void tst_UtilsDetectDeviceWindows_messages::otherEventsAreIgnored()
 {
     QFETCH(uint, event);
     send(WM_DEVICECHANGE, event, Broadcast(Path).data());
     QCOMPARE(log, QStringList());
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::otherDeviceTypesAreIgnored_data()
+void tst_UtilsDetectDeviceWindows_messages::otherDeviceTypesAreIgnored_data()
 {
     QTest::addColumn<uint>("type");
     QTest::newRow("OEM") << uint(DBT_DEVTYP_OEM);
@@ -224,7 +224,7 @@ void tst_UtilsDetectDeviceWindows_Messages::otherDeviceTypesAreIgnored_data()
     QTest::newRow("handle") << uint(DBT_DEVTYP_HANDLE);
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::otherDeviceTypesAreIgnored()
+void tst_UtilsDetectDeviceWindows_messages::otherDeviceTypesAreIgnored()
 {
     QFETCH(uint, type);
     const Broadcast broadcast(Path, type);
@@ -233,7 +233,7 @@ void tst_UtilsDetectDeviceWindows_Messages::otherDeviceTypesAreIgnored()
     QCOMPARE(log, QStringList());
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::damagedBroadcastsAreIgnored_data()
+void tst_UtilsDetectDeviceWindows_messages::damagedBroadcastsAreIgnored_data()
 {
     QTest::addColumn<uint>("size");
     QTest::newRow("of no bytes") << 0U;
@@ -244,7 +244,7 @@ void tst_UtilsDetectDeviceWindows_Messages::damagedBroadcastsAreIgnored_data()
     QTest::newRow("half a character") << uint(NameOffset + 1);
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::damagedBroadcastsAreIgnored()
+void tst_UtilsDetectDeviceWindows_messages::damagedBroadcastsAreIgnored()
 {
     QFETCH(uint, size);
     Broadcast broadcast(Path);
@@ -256,7 +256,7 @@ void tst_UtilsDetectDeviceWindows_Messages::damagedBroadcastsAreIgnored()
     QCOMPARE(log, QStringList());
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::aNameEndsAtItsNulOrWithItsBroadcast()
+void tst_UtilsDetectDeviceWindows_messages::aNameEndsAtItsNulOrWithItsBroadcast()
 {
     const QString text = watcher().getVidPidString({Pid, Vid});
     send(WM_DEVICECHANGE, DBT_DEVICEARRIVAL, Broadcast(QStringLiteral("USB") + QChar(0) + text).data());
@@ -268,7 +268,7 @@ void tst_UtilsDetectDeviceWindows_Messages::aNameEndsAtItsNulOrWithItsBroadcast(
     QCOMPARE(log, QStringList(QStringLiteral("attached 1234 1a2b")));
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::otherMessagesGoToTheSystem()
+void tst_UtilsDetectDeviceWindows_messages::otherMessagesGoToTheSystem()
 {
     send(WM_USER, DBT_DEVICEARRIVAL, Broadcast(Path).data());
     QCOMPARE(log, QStringList());
@@ -276,7 +276,7 @@ void tst_UtilsDetectDeviceWindows_Messages::otherMessagesGoToTheSystem()
     QCOMPARE(GetWindowTextLengthW(watcher().getHwnd()), int(std::wcslen(L"another text")));
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::closingTheWindowEndsTheRegistrationAndTheNextOneWorks()
+void tst_UtilsDetectDeviceWindows_messages::closingTheWindowEndsTheRegistrationAndTheNextOneWorks()
 {
     constexpr int Rounds = 10;
     const QString attached = QStringLiteral("attached 1234 1a2b");
@@ -293,7 +293,7 @@ void tst_UtilsDetectDeviceWindows_Messages::closingTheWindowEndsTheRegistrationA
     }
 }
 
-void tst_UtilsDetectDeviceWindows_Messages::theWatcherIsStartedAndClosedAsOftenAsOneLikes()
+void tst_UtilsDetectDeviceWindows_messages::theWatcherIsStartedAndClosedAsOftenAsOneLikes()
 {
     constexpr int Rounds = 5;
     const QString attached = QStringLiteral("attached 1234 1a2b");
@@ -318,7 +318,7 @@ void tst_UtilsDetectDeviceWindows_Messages::theWatcherIsStartedAndClosedAsOftenA
 }
 
 // What is ended is the stored registration and window, and then the system closes the window that got the message.
-void tst_UtilsDetectDeviceWindows_Messages::closingAnEarlierWindowClosesTheLatestToo()
+void tst_UtilsDetectDeviceWindows_messages::closingAnEarlierWindowClosesTheLatestToo()
 {
     const HWND earlier = watcher().getHwnd();
     QVERIFY(watcher().registerDeviceNotification(InterfaceClass));
@@ -332,5 +332,5 @@ void tst_UtilsDetectDeviceWindows_Messages::closingAnEarlierWindowClosesTheLates
     QCOMPARE(watcher().getHwnd(), latest);
 }
 
-UNIPROG_TEST_MAIN(tst_UtilsDetectDeviceWindows_Messages)
+UNIPROG_TEST_MAIN(tst_UtilsDetectDeviceWindows_messages)
 #include "tst_utilsdetectdevicewindows_messages.moc"

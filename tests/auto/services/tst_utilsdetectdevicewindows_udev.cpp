@@ -24,7 +24,7 @@ UtilsDetectDeviceWindows &watcher()
 } // namespace
 
 /// What udev has to say beside arrivals and removals, of devices that umockdev makes up.
-class tst_UtilsDetectDeviceWindows_Udev : public UniProgTest
+class tst_UtilsDetectDeviceWindows_udev : public UniProgTest
 {
     Q_OBJECT
 
@@ -52,7 +52,7 @@ private:
 };
 
 /// Makes a device up and announces its arrival.
-QByteArray tst_UtilsDetectDeviceWindows_Udev::add(const char *subsystem, const char *name, const char *parent,
+QByteArray tst_UtilsDetectDeviceWindows_udev::add(const char *subsystem, const char *name, const char *parent,
                                                   const char *type, const char *product)
 {
     gchar *const path = umockdev_testbed_add_device(testbed, subsystem, name, parent, nullptr, "DEVTYPE", type,
@@ -62,18 +62,18 @@ QByteArray tst_UtilsDetectDeviceWindows_Udev::add(const char *subsystem, const c
     return result;
 }
 
-void tst_UtilsDetectDeviceWindows_Udev::announce(const char *action, const QByteArray &path)
+void tst_UtilsDetectDeviceWindows_udev::announce(const char *action, const QByteArray &path)
 {
     umockdev_testbed_uevent(testbed, path.constData(), action);
 }
 
-void tst_UtilsDetectDeviceWindows_Udev::remove(const QByteArray &path)
+void tst_UtilsDetectDeviceWindows_udev::remove(const QByteArray &path)
 {
     announce("remove", path);
     umockdev_testbed_remove_device(testbed, path.constData());
 }
 
-void tst_UtilsDetectDeviceWindows_Udev::initTestCase()
+void tst_UtilsDetectDeviceWindows_udev::initTestCase()
 {
     QVERIFY2(qgetenv("LD_PRELOAD").contains("libumockdev-preload"),
              "Without libumockdev-preload.so.0 in LD_PRELOAD, udev shows the real devices.");
@@ -82,26 +82,26 @@ void tst_UtilsDetectDeviceWindows_Udev::initTestCase()
     connect(&watcher(), &UtilsDetectDeviceWindows::signalDetached, this, [this] { log.append(Detached); });
 }
 
-void tst_UtilsDetectDeviceWindows_Udev::init()
+void tst_UtilsDetectDeviceWindows_udev::init()
 {
     UniProgTest::init();
     watcher().registerDeviceByPidVid(Pid, Vid);
     QCOMPARE(log, QStringList());
 }
 
-void tst_UtilsDetectDeviceWindows_Udev::cleanup()
+void tst_UtilsDetectDeviceWindows_udev::cleanup()
 {
     watcher().unregisterDeviceByPidVid(Pid, Vid);
     log.clear();
 }
 
-void tst_UtilsDetectDeviceWindows_Udev::cleanupTestCase()
+void tst_UtilsDetectDeviceWindows_udev::cleanupTestCase()
 {
     if (testbed)
         g_object_unref(testbed);
 }
 
-void tst_UtilsDetectDeviceWindows_Udev::aRefusedRegistrationIsToldOf()
+void tst_UtilsDetectDeviceWindows_udev::aRefusedRegistrationIsToldOf()
 {
     // The sockets of the made-up udev are files of its folder.
     const char variable[] = "UMOCKDEV_DIR";
@@ -114,13 +114,13 @@ void tst_UtilsDetectDeviceWindows_Udev::aRefusedRegistrationIsToldOf()
     QVERIFY(!watcher().getHwnd());
 }
 
-void tst_UtilsDetectDeviceWindows_Udev::theNextRegistrationIsAccepted()
+void tst_UtilsDetectDeviceWindows_udev::theNextRegistrationIsAccepted()
 {
     QVERIFY(watcher().registerDeviceNotification(GUID()));
     QVERIFY(watcher().getHDeviceNotify());
 }
 
-void tst_UtilsDetectDeviceWindows_Udev::interfacesAndDriversAreNoDevices()
+void tst_UtilsDetectDeviceWindows_udev::interfacesAndDriversAreNoDevices()
 {
     // Every device has interfaces, which are announced with its numbers, and so are the drivers that take and leave it.
     const QByteArray device = add("usb", "1-1", nullptr, "usb_device", KernelIds);
@@ -139,7 +139,7 @@ void tst_UtilsDetectDeviceWindows_Udev::interfacesAndDriversAreNoDevices()
     QTRY_COMPARE_WITH_TIMEOUT(log, QStringList({Attached, Attached, Detached}), PatienceMs);
 }
 
-void tst_UtilsDetectDeviceWindows_Udev::otherSubsystemsAreNoDevices()
+void tst_UtilsDetectDeviceWindows_udev::otherSubsystemsAreNoDevices()
 {
     const QByteArray input = add("input", "input1", nullptr, "usb_device", KernelIds);
     watcher().registerDeviceByPidVid(Pid, Vid);
@@ -152,7 +152,7 @@ void tst_UtilsDetectDeviceWindows_Udev::otherSubsystemsAreNoDevices()
     QTRY_COMPARE_WITH_TIMEOUT(log, QStringList({Attached, Detached}), PatienceMs);
 }
 
-void tst_UtilsDetectDeviceWindows_Udev::aDeviceWithoutNumbersIsNotReported()
+void tst_UtilsDetectDeviceWindows_udev::aDeviceWithoutNumbersIsNotReported()
 {
     const QByteArray damaged = add("usb", "1-1", nullptr, "usb_device", "no numbers");
     gchar *const path
@@ -169,5 +169,5 @@ void tst_UtilsDetectDeviceWindows_Udev::aDeviceWithoutNumbersIsNotReported()
     QTRY_COMPARE_WITH_TIMEOUT(log, QStringList({Attached, Detached}), PatienceMs);
 }
 
-UNIPROG_TEST_MAIN(tst_UtilsDetectDeviceWindows_Udev)
+UNIPROG_TEST_MAIN(tst_UtilsDetectDeviceWindows_udev)
 #include "tst_utilsdetectdevicewindows_udev.moc"

@@ -60,7 +60,7 @@ static QString noVersionInfo(int error)
     return QStringLiteral("error in GetFileVersionInfo: %1").arg(error);
 }
 
-class tst_UtilsMisc_FileVersion : public UniProgTest
+class tst_UtilsMisc_fileversion : public UniProgTest
 {
     Q_OBJECT
 
@@ -87,12 +87,12 @@ private:
     QFile file;
 };
 
-void tst_UtilsMisc_FileVersion::initTestCase()
+void tst_UtilsMisc_fileversion::initTestCase()
 {
     QVERIFY(folder.isValid());
 }
 
-QString tst_UtilsMisc_FileVersion::writeFile(const QByteArray &bytes)
+QString tst_UtilsMisc_fileversion::writeFile(const QByteArray &bytes)
 {
     file.setFileName(folder.filePath(QStringLiteral("program.exe")));
     // Not emptied first: file systems take that for a replacement and write it to the disk at once.
@@ -102,7 +102,7 @@ QString tst_UtilsMisc_FileVersion::writeFile(const QByteArray &bytes)
     return file.fileName();
 }
 
-void tst_UtilsMisc_FileVersion::fileVersionIsRead_data()
+void tst_UtilsMisc_fileversion::fileVersionIsRead_data()
 {
     QTest::addColumn<PeFileBuilder>("pe");
     QTest::addColumn<QString>("version");
@@ -142,7 +142,7 @@ void tst_UtilsMisc_FileVersion::fileVersionIsRead_data()
     }
 }
 
-void tst_UtilsMisc_FileVersion::fileVersionIsRead()
+void tst_UtilsMisc_fileversion::fileVersionIsRead()
 {
     QFETCH(PeFileBuilder, pe);
     QFETCH(QString, version);
@@ -152,7 +152,7 @@ void tst_UtilsMisc_FileVersion::fileVersionIsRead()
     QCOMPARE(DebugLines::lines(), QStringList());
 }
 
-void tst_UtilsMisc_FileVersion::anyPathIsRead_data()
+void tst_UtilsMisc_fileversion::anyPathIsRead_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("blanks") << QStringLiteral("the library of the suite.dll");
@@ -165,7 +165,7 @@ void tst_UtilsMisc_FileVersion::anyPathIsRead_data()
 #endif
 }
 
-void tst_UtilsMisc_FileVersion::anyPathIsRead()
+void tst_UtilsMisc_fileversion::anyPathIsRead()
 {
     QFETCH(QString, name);
     const QString path = folder.filePath(name);
@@ -177,7 +177,7 @@ void tst_UtilsMisc_FileVersion::anyPathIsRead()
     QCOMPARE(DebugLines::lines(), QStringList());
 }
 
-void tst_UtilsMisc_FileVersion::theLibraryTellsItsVersion()
+void tst_UtilsMisc_fileversion::theLibraryTellsItsVersion()
 {
 #ifdef UNIPROG_LIBRARY
     const DebugLines debug;
@@ -188,7 +188,7 @@ void tst_UtilsMisc_FileVersion::theLibraryTellsItsVersion()
 #endif
 }
 
-void tst_UtilsMisc_FileVersion::fileVersionFailsWithADebugLine_data()
+void tst_UtilsMisc_fileversion::fileVersionFailsWithADebugLine_data()
 {
 #ifdef Q_OS_WIN
     QSKIP(SystemReadsDamagedFiles);
@@ -310,7 +310,7 @@ void tst_UtilsMisc_FileVersion::fileVersionFailsWithADebugLine_data()
         "another signature", [](auto &f, auto &) { Pe::put32(f, Pe::VersionInfo + 40, 0xFEEF04BCU); }, NoRootBlock);
 }
 
-void tst_UtilsMisc_FileVersion::fileVersionFailsWithADebugLine()
+void tst_UtilsMisc_fileversion::fileVersionFailsWithADebugLine()
 {
     QFETCH(Damage, damage);
     QFETCH(QString, line);
@@ -326,7 +326,7 @@ void tst_UtilsMisc_FileVersion::fileVersionFailsWithADebugLine()
     }
 }
 
-void tst_UtilsMisc_FileVersion::aFileThatIsNoProgramHasNoVersion_data()
+void tst_UtilsMisc_fileversion::aFileThatIsNoProgramHasNoVersion_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<int>("error");
@@ -359,7 +359,7 @@ void tst_UtilsMisc_FileVersion::aFileThatIsNoProgramHasNoVersion_data()
 #endif
 }
 
-void tst_UtilsMisc_FileVersion::aFileThatIsNoProgramHasNoVersion()
+void tst_UtilsMisc_fileversion::aFileThatIsNoProgramHasNoVersion()
 {
     QFETCH(QString, path);
     QFETCH(int, error);
@@ -368,14 +368,14 @@ void tst_UtilsMisc_FileVersion::aFileThatIsNoProgramHasNoVersion()
     QCOMPARE(DebugLines::lines(), QStringList(noVersionInfo(error)));
 }
 
-void tst_UtilsMisc_FileVersion::aTruncatedFileHasNoVersion_data()
+void tst_UtilsMisc_fileversion::aTruncatedFileHasNoVersion_data()
 {
     QTest::addColumn<bool>("is64Bit");
     QTest::newRow("32 bit") << false;
     QTest::newRow("64 bit") << true;
 }
 
-void tst_UtilsMisc_FileVersion::aTruncatedFileHasNoVersion()
+void tst_UtilsMisc_fileversion::aTruncatedFileHasNoVersion()
 {
     QFETCH(bool, is64Bit);
     PeFileBuilder pe;
@@ -390,7 +390,7 @@ void tst_UtilsMisc_FileVersion::aTruncatedFileHasNoVersion()
     }
 }
 
-void tst_UtilsMisc_FileVersion::noDamageLeadsOutOfTheFile()
+void tst_UtilsMisc_fileversion::noDamageLeadsOutOfTheFile()
 {
 #ifdef Q_OS_WIN
     QSKIP(SystemReadsDamagedFiles);
@@ -411,5 +411,5 @@ void tst_UtilsMisc_FileVersion::noDamageLeadsOutOfTheFile()
     }
 }
 
-UNIPROG_TEST_MAIN(tst_UtilsMisc_FileVersion)
+UNIPROG_TEST_MAIN(tst_UtilsMisc_fileversion)
 #include "tst_utilsmisc_fileversion.moc"

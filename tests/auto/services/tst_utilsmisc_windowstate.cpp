@@ -8,7 +8,7 @@
 #include <QMainWindow>
 #include <QSettings>
 
-class tst_UtilsMisc_WindowState : public UniProgTest
+class tst_UtilsMisc_windowstate : public UniProgTest
 {
     Q_OBJECT
 
@@ -28,7 +28,7 @@ static void addDocks(QMainWindow &window)
     }
 }
 
-void tst_UtilsMisc_WindowState::theWindowStateIsKept()
+void tst_UtilsMisc_windowstate::theWindowStateIsKept()
 {
     UtilsSingleInstance::setApplicationName(QStringLiteral("theWindowStateIsKept"));
     QByteArray geometry;
@@ -56,7 +56,7 @@ void tst_UtilsMisc_WindowState::theWindowStateIsKept()
     QCOMPARE(window.dockWidgetArea(window.findChild<QDockWidget *>("registers")), Qt::RightDockWidgetArea);
 }
 
-void tst_UtilsMisc_WindowState::restoringBeforeSavingLeavesTheWindow()
+void tst_UtilsMisc_windowstate::restoringBeforeSavingLeavesTheWindow()
 {
     UtilsSingleInstance::setApplicationName(QStringLiteral("restoringBeforeSavingLeavesTheWindow"));
     QMainWindow window;
@@ -76,7 +76,7 @@ void tst_UtilsMisc_WindowState::restoringBeforeSavingLeavesTheWindow()
     QCOMPARE(window.saveState(), state);
 }
 
-void tst_UtilsMisc_WindowState::savingMakesTheSharedObject()
+void tst_UtilsMisc_windowstate::savingMakesTheSharedObject()
 {
     delete UtilsSingleInstance::getInstance(nullptr);
     QMainWindow window;
@@ -86,5 +86,5 @@ void tst_UtilsMisc_WindowState::savingMakesTheSharedObject()
     QVERIFY(!UtilsSingleInstance::getInstance(&parent)->parent());
 }
 
-UNIPROG_TEST_MAIN(tst_UtilsMisc_WindowState)
+UNIPROG_TEST_MAIN(tst_UtilsMisc_windowstate)
 #include "tst_utilsmisc_windowstate.moc"

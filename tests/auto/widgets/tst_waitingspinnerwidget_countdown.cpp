@@ -8,7 +8,7 @@
 
 using namespace SpinnerTest;
 
-class tst_WaitingSpinnerCountdown : public UniProgTest
+class tst_WaitingSpinnerWidget_countdown : public UniProgTest
 {
     Q_OBJECT
 
@@ -32,7 +32,7 @@ private Q_SLOTS:
     void everySecondIsHeard();
 };
 
-void tst_WaitingSpinnerCountdown::theCountdownIsDrawnUntilZero()
+void tst_WaitingSpinnerWidget_countdown::theCountdownIsDrawnUntilZero()
 {
     WaitingSpinnerWidget spinner(nullptr, false, false);
     QVERIFY(!isNumberDrawn(spinner));
@@ -53,7 +53,7 @@ void tst_WaitingSpinnerCountdown::theCountdownIsDrawnUntilZero()
     QVERIFY(!isNumberDrawn(spinner));
 }
 
-void tst_WaitingSpinnerCountdown::theNumberHasItsFontAndPlace()
+void tst_WaitingSpinnerWidget_countdown::theNumberHasItsFontAndPlace()
 {
     WaitingSpinnerWidget spinner(nullptr, false, false);
     spinner.setNumberOfLines(0);
@@ -71,7 +71,7 @@ void tst_WaitingSpinnerCountdown::theNumberHasItsFontAndPlace()
     QCOMPARE(imageOf(spinner), expected.convertToFormat(QImage::Format_ARGB32));
 }
 
-void tst_WaitingSpinnerCountdown::theCountdownEndsByItself()
+void tst_WaitingSpinnerWidget_countdown::theCountdownEndsByItself()
 {
     WaitingSpinnerWidget spinner(nullptr, false, false);
     spinner.setCountdown(2);
@@ -90,7 +90,7 @@ void tst_WaitingSpinnerCountdown::theCountdownEndsByItself()
     QVERIFY(spinner.isSpinning());
 }
 
-void tst_WaitingSpinnerCountdown::theCountdownRunsWithoutTheSpinner()
+void tst_WaitingSpinnerWidget_countdown::theCountdownRunsWithoutTheSpinner()
 {
     QWidget parent;
     WaitingSpinnerWidget spinner(&parent, true, true);
@@ -105,7 +105,7 @@ void tst_WaitingSpinnerCountdown::theCountdownRunsWithoutTheSpinner()
     QVERIFY(!isNumberDrawn(spinner));
 }
 
-void tst_WaitingSpinnerCountdown::theCountdownStartsWithTheSpinner()
+void tst_WaitingSpinnerWidget_countdown::theCountdownStartsWithTheSpinner()
 {
     WaitingSpinnerWidget spinner(nullptr, false, false);
     spinner.start();
@@ -119,14 +119,14 @@ void tst_WaitingSpinnerCountdown::theCountdownStartsWithTheSpinner()
     QVERIFY(timer->isActive());
 }
 
-void tst_WaitingSpinnerCountdown::aCountdownOfZeroIsNone_data()
+void tst_WaitingSpinnerWidget_countdown::aCountdownOfZeroIsNone_data()
 {
     QTest::addColumn<int>("seconds");
     QTest::newRow("zero") << 0;
     QTest::newRow("below") << -5;
 }
 
-void tst_WaitingSpinnerCountdown::aCountdownOfZeroIsNone()
+void tst_WaitingSpinnerWidget_countdown::aCountdownOfZeroIsNone()
 {
     QFETCH(int, seconds);
     WaitingSpinnerWidget spinner(nullptr, false, false);
@@ -138,7 +138,7 @@ void tst_WaitingSpinnerCountdown::aCountdownOfZeroIsNone()
     QVERIFY(!isNumberDrawn(spinner));
 }
 
-void tst_WaitingSpinnerCountdown::theCountdownMayBeUpdatedFirst()
+void tst_WaitingSpinnerWidget_countdown::theCountdownMayBeUpdatedFirst()
 {
     WaitingSpinnerWidget spinner(nullptr, false, false);
     spinner.updateCountdown();
@@ -146,7 +146,7 @@ void tst_WaitingSpinnerCountdown::theCountdownMayBeUpdatedFirst()
     QVERIFY(countdownTimersOf(spinner).isEmpty());
 }
 
-void tst_WaitingSpinnerCountdown::everyCountdownHasATimerOfItsOwn()
+void tst_WaitingSpinnerWidget_countdown::everyCountdownHasATimerOfItsOwn()
 {
     WaitingSpinnerWidget spinner(nullptr, false, false);
     for (int i = 1; i <= 3; ++i) {
@@ -160,7 +160,7 @@ void tst_WaitingSpinnerCountdown::everyCountdownHasATimerOfItsOwn()
     QVERIFY(timers.at(2)->isActive());
 }
 
-void tst_WaitingSpinnerCountdown::anEarlierTimerStopsItself()
+void tst_WaitingSpinnerWidget_countdown::anEarlierTimerStopsItself()
 {
     WaitingSpinnerWidget spinner(nullptr, false, false);
     spinner.setCountdown(5);
@@ -186,7 +186,7 @@ void tst_WaitingSpinnerCountdown::anEarlierTimerStopsItself()
     QVERIFY(!earlier->isActive());
 }
 
-void tst_WaitingSpinnerCountdown::timersGoWithTheSpinner()
+void tst_WaitingSpinnerWidget_countdown::timersGoWithTheSpinner()
 {
     QList<QPointer<QTimer>> timers;
     {
@@ -202,7 +202,7 @@ void tst_WaitingSpinnerCountdown::timersGoWithTheSpinner()
         QVERIFY(!timer);
 }
 
-void tst_WaitingSpinnerCountdown::itIsHeardAsABusyProgressBar()
+void tst_WaitingSpinnerWidget_countdown::itIsHeardAsABusyProgressBar()
 {
     WaitingSpinnerWidget spinner(nullptr, false, false);
     QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&spinner);
@@ -217,7 +217,7 @@ void tst_WaitingSpinnerCountdown::itIsHeardAsABusyProgressBar()
     QVERIFY(!interface->state().busy);
 }
 
-void tst_WaitingSpinnerCountdown::startingAndStoppingAreHeardOnce()
+void tst_WaitingSpinnerWidget_countdown::startingAndStoppingAreHeardOnce()
 {
     if (!AccessibleEvents::isAvailable())
         QSKIP("Qt's private headers are missing.");
@@ -237,7 +237,7 @@ void tst_WaitingSpinnerCountdown::startingAndStoppingAreHeardOnce()
     QVERIFY(events.contains(&change));
 }
 
-void tst_WaitingSpinnerCountdown::theTextIsItsName()
+void tst_WaitingSpinnerWidget_countdown::theTextIsItsName()
 {
     WaitingSpinnerWidget spinner(nullptr, false, false);
     const QImage before = imageOf(spinner);
@@ -246,7 +246,7 @@ void tst_WaitingSpinnerCountdown::theTextIsItsName()
     QCOMPARE(QAccessible::queryAccessibleInterface(&spinner)->text(QAccessible::Name), QStringLiteral("Connecting"));
 }
 
-void tst_WaitingSpinnerCountdown::theCountdownIsItsValue()
+void tst_WaitingSpinnerWidget_countdown::theCountdownIsItsValue()
 {
     WaitingSpinnerWidget spinner(nullptr, false, false);
     spinner.setCountdown(3);
@@ -264,7 +264,7 @@ void tst_WaitingSpinnerCountdown::theCountdownIsItsValue()
     QCOMPARE(value->maximumValue().toInt(), 3);
 }
 
-void tst_WaitingSpinnerCountdown::everySecondIsHeard()
+void tst_WaitingSpinnerWidget_countdown::everySecondIsHeard()
 {
     if (!AccessibleEvents::isAvailable())
         QSKIP("Qt's private headers are missing.");
@@ -281,6 +281,6 @@ void tst_WaitingSpinnerCountdown::everySecondIsHeard()
     QVERIFY(!events.contains(&nothingLeft));
 }
 
-UNIPROG_TEST_MAIN(tst_WaitingSpinnerCountdown)
+UNIPROG_TEST_MAIN(tst_WaitingSpinnerWidget_countdown)
 
-#include "tst_waitingspinnercountdown.moc"
+#include "tst_waitingspinnerwidget_countdown.moc"

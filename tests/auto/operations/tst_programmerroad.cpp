@@ -545,4 +545,4 @@ void tst_ProgrammerRoad::manyRequestsKeepTheOrder()
 
 UNIPROG_TEST_MAIN(tst_ProgrammerRoad)
 
-#include "tst_programmer_road.moc"
+#include "tst_programmerroad.moc"

@@ -9,7 +9,7 @@
 
 using namespace ToggleSwitchTest;
 
-class tst_UtilsToggleSwitchLook : public UniProgTest
+class tst_UtilsToggleSwitch_look : public UniProgTest
 {
     Q_OBJECT
 
@@ -33,7 +33,7 @@ private Q_SLOTS:
     void theFocusIsShownToTheKeyboard();
 };
 
-void tst_UtilsToggleSwitchLook::aStyleSheetMayShowThatItIsDisabled()
+void tst_UtilsToggleSwitch_look::aStyleSheetMayShowThatItIsDisabled()
 {
     QWidget window;
     window.setStyleSheet(QStringLiteral("UtilsToggleSwitch { qproperty-thumbColor: #010203; }"
@@ -47,14 +47,14 @@ void tst_UtilsToggleSwitchLook::aStyleSheetMayShowThatItIsDisabled()
     QCOMPARE(toggle.getThumbColor(), QColor(1, 2, 3));
 }
 
-void tst_UtilsToggleSwitchLook::coloursAreProperties_data()
+void tst_UtilsToggleSwitch_look::coloursAreProperties_data()
 {
     QTest::addColumn<QByteArray>("name");
     for (const char *name : {"thumbColor", "borderColor", "backgroundColorOff", "backgroundColorOn"})
         QTest::newRow(name) << QByteArray(name);
 }
 
-void tst_UtilsToggleSwitchLook::coloursAreProperties()
+void tst_UtilsToggleSwitch_look::coloursAreProperties()
 {
     QFETCH(QByteArray, name);
     UtilsToggleSwitch toggle;
@@ -71,7 +71,7 @@ void tst_UtilsToggleSwitchLook::coloursAreProperties()
     QCOMPARE(toggle.property("thumbXPos"), QVariant(13));
 }
 
-void tst_UtilsToggleSwitchLook::setColorsLeavesTheOnColourAndTheBorder()
+void tst_UtilsToggleSwitch_look::setColorsLeavesTheOnColourAndTheBorder()
 {
     UtilsToggleSwitch toggle;
     toggle.setBackgroundColorOn(Qt::green);
@@ -83,7 +83,7 @@ void tst_UtilsToggleSwitchLook::setColorsLeavesTheOnColourAndTheBorder()
     QCOMPARE(toggle.getBorderColor(), QColor(Qt::gray));
 }
 
-void tst_UtilsToggleSwitchLook::theTrackHasTheColourOfTheState()
+void tst_UtilsToggleSwitch_look::theTrackHasTheColourOfTheState()
 {
     ShownSwitch toggle;
     toggle.setBackgroundColorOff(Qt::red);
@@ -98,7 +98,7 @@ void tst_UtilsToggleSwitchLook::theTrackHasTheColourOfTheState()
     QCOMPARE(imageOf(toggle).pixelColor(On, 10), QColor(Qt::green));
 }
 
-void tst_UtilsToggleSwitchLook::theBorderHasItsOwnAlpha_data()
+void tst_UtilsToggleSwitch_look::theBorderHasItsOwnAlpha_data()
 {
     QTest::addColumn<QColor>("colour");
     QTest::addColumn<QColor>("drawn");
@@ -107,7 +107,7 @@ void tst_UtilsToggleSwitchLook::theBorderHasItsOwnAlpha_data()
     QTest::newRow("none") << QColor() << QColor(Qt::black);
 }
 
-void tst_UtilsToggleSwitchLook::theBorderHasItsOwnAlpha()
+void tst_UtilsToggleSwitch_look::theBorderHasItsOwnAlpha()
 {
     QFETCH(QColor, colour);
     QFETCH(QColor, drawn);
@@ -124,7 +124,7 @@ void tst_UtilsToggleSwitchLook::theBorderHasItsOwnAlpha()
     QCOMPARE(imageOf(toggle).pixelColor(20, 5).alpha(), 0);
 }
 
-void tst_UtilsToggleSwitchLook::theOpacityIsForTheTrackOnly()
+void tst_UtilsToggleSwitch_look::theOpacityIsForTheTrackOnly()
 {
     ShownSwitch toggle;
     QVERIFY(isAtRest(toggle));
@@ -135,7 +135,7 @@ void tst_UtilsToggleSwitchLook::theOpacityIsForTheTrackOnly()
     QCOMPARE(image.pixelColor(Off, 10), QColor(Qt::white));
 }
 
-void tst_UtilsToggleSwitchLook::theThumbIsACircleAtItsPosition()
+void tst_UtilsToggleSwitch_look::theThumbIsACircleAtItsPosition()
 {
     ShownSwitch toggle;
     QVERIFY(isAtRest(toggle));
@@ -152,7 +152,7 @@ void tst_UtilsToggleSwitchLook::theThumbIsACircleAtItsPosition()
     QCOMPARE(image.pixelColor(28, 18), QColor(Qt::black));
 }
 
-void tst_UtilsToggleSwitchLook::theCornersAreRound()
+void tst_UtilsToggleSwitch_look::theCornersAreRound()
 {
     ShownSwitch toggle;
     const QImage image = imageOf(toggle);
@@ -161,7 +161,7 @@ void tst_UtilsToggleSwitchLook::theCornersAreRound()
     QVERIFY(image.pixelColor(39, 10).alpha() > 200);
 }
 
-void tst_UtilsToggleSwitchLook::trackAndThumbAreDrawnAsStated_data()
+void tst_UtilsToggleSwitch_look::trackAndThumbAreDrawnAsStated_data()
 {
     QTest::addColumn<bool>("on");
     QTest::addColumn<double>("opacity");
@@ -170,7 +170,7 @@ void tst_UtilsToggleSwitchLook::trackAndThumbAreDrawnAsStated_data()
     QTest::newRow("half transparent") << true << 0.5;
 }
 
-void tst_UtilsToggleSwitchLook::trackAndThumbAreDrawnAsStated()
+void tst_UtilsToggleSwitch_look::trackAndThumbAreDrawnAsStated()
 {
     QFETCH(bool, on);
     QFETCH(double, opacity);
@@ -199,7 +199,7 @@ void tst_UtilsToggleSwitchLook::trackAndThumbAreDrawnAsStated()
     QCOMPARE(imageOf(toggle), expected.convertToFormat(QImage::Format_ARGB32));
 }
 
-void tst_UtilsToggleSwitchLook::everyChangeOfLookRepaints_data()
+void tst_UtilsToggleSwitch_look::everyChangeOfLookRepaints_data()
 {
     using Change = std::function<void(UtilsToggleSwitch &)>;
     QTest::addColumn<Change>("change");
@@ -212,7 +212,7 @@ void tst_UtilsToggleSwitchLook::everyChangeOfLookRepaints_data()
     QTest::newRow("position") << Change([](UtilsToggleSwitch &toggle) { toggle.setThumbXPos(12); });
 }
 
-void tst_UtilsToggleSwitchLook::everyChangeOfLookRepaints()
+void tst_UtilsToggleSwitch_look::everyChangeOfLookRepaints()
 {
     using Change = std::function<void(UtilsToggleSwitch &)>;
     QFETCH(Change, change);
@@ -239,7 +239,7 @@ void tst_UtilsToggleSwitchLook::everyChangeOfLookRepaints()
     QTRY_COMPARE(toggle.paints, before + 1);
 }
 
-void tst_UtilsToggleSwitchLook::rightToLeftChangesNothing()
+void tst_UtilsToggleSwitch_look::rightToLeftChangesNothing()
 {
     ShownSwitch toggle;
     QVERIFY(isAtRest(toggle));
@@ -250,7 +250,7 @@ void tst_UtilsToggleSwitchLook::rightToLeftChangesNothing()
     QCOMPARE(imageOf(toggle), leftToRight);
 }
 
-void tst_UtilsToggleSwitchLook::theFocusIsShownToTheKeyboard()
+void tst_UtilsToggleSwitch_look::theFocusIsShownToTheKeyboard()
 {
     QWidget window;
     auto *layout = new QHBoxLayout(&window);
@@ -273,6 +273,6 @@ void tst_UtilsToggleSwitchLook::theFocusIsShownToTheKeyboard()
     QCOMPARE(imageOf(*second), plain);
 }
 
-UNIPROG_TEST_MAIN(tst_UtilsToggleSwitchLook)
+UNIPROG_TEST_MAIN(tst_UtilsToggleSwitch_look)
 
-#include "tst_utilstoggleswitchlook.moc"
+#include "tst_utilstoggleswitch_look.moc"

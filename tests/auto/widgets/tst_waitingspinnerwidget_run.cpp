@@ -8,7 +8,7 @@
 
 using namespace SpinnerTest;
 
-class tst_WaitingSpinnerRun : public UniProgTest
+class tst_WaitingSpinnerWidget_run : public UniProgTest
 {
     Q_OBJECT
 
@@ -27,7 +27,7 @@ private Q_SLOTS:
     void aWindowIsCentredInTheParentsCoordinates();
 };
 
-void tst_WaitingSpinnerRun::theSpinnerIsHiddenUntilStarted()
+void tst_WaitingSpinnerWidget_run::theSpinnerIsHiddenUntilStarted()
 {
     QWidget parent;
     WaitingSpinnerWidget spinner(&parent, true, false);
@@ -47,7 +47,7 @@ void tst_WaitingSpinnerRun::theSpinnerIsHiddenUntilStarted()
     QVERIFY(!rotationTimerOf(spinner)->isActive());
 }
 
-void tst_WaitingSpinnerRun::startAndStopCallTheParent_data()
+void tst_WaitingSpinnerWidget_run::startAndStopCallTheParent_data()
 {
     QTest::addColumn<bool>("disables");
     QTest::addColumn<bool>("enabledBefore");
@@ -58,7 +58,7 @@ void tst_WaitingSpinnerRun::startAndStopCallTheParent_data()
     QTest::newRow("leaves one alone that is disabled") << false << false << false;
 }
 
-void tst_WaitingSpinnerRun::startAndStopCallTheParent()
+void tst_WaitingSpinnerWidget_run::startAndStopCallTheParent()
 {
     QFETCH(bool, disables);
     QFETCH(bool, enabledBefore);
@@ -74,7 +74,7 @@ void tst_WaitingSpinnerRun::startAndStopCallTheParent()
     QCOMPARE(parent.isEnabled(), enabledAfter);
 }
 
-void tst_WaitingSpinnerRun::aSpinnerWithoutParentTurns()
+void tst_WaitingSpinnerWidget_run::aSpinnerWithoutParentTurns()
 {
     WaitingSpinnerWidget spinner(nullptr, true, true);
     spinner.move(123, 45);
@@ -86,7 +86,7 @@ void tst_WaitingSpinnerRun::aSpinnerWithoutParentTurns()
     QVERIFY(!spinner.isVisible());
 }
 
-void tst_WaitingSpinnerRun::startingTwiceGoesOn()
+void tst_WaitingSpinnerWidget_run::startingTwiceGoesOn()
 {
     QWidget parent;
     WaitingSpinnerWidget spinner(&parent, false, false);
@@ -106,7 +106,7 @@ void tst_WaitingSpinnerRun::startingTwiceGoesOn()
     QVERIFY(countdownTimersOf(spinner).last()->isActive());
 }
 
-void tst_WaitingSpinnerRun::stoppingTwiceIsHarmless()
+void tst_WaitingSpinnerWidget_run::stoppingTwiceIsHarmless()
 {
     QWidget parent;
     WaitingSpinnerWidget spinner(&parent, true, true);
@@ -121,7 +121,7 @@ void tst_WaitingSpinnerRun::stoppingTwiceIsHarmless()
     QVERIFY(parent.isEnabled());
 }
 
-void tst_WaitingSpinnerRun::itMayBeDeletedWhileSpinning()
+void tst_WaitingSpinnerWidget_run::itMayBeDeletedWhileSpinning()
 {
     auto parent = std::make_unique<QWidget>();
     auto *spinner = new WaitingSpinnerWidget(parent.get(), true, true);
@@ -134,7 +134,7 @@ void tst_WaitingSpinnerRun::itMayBeDeletedWhileSpinning()
     QCoreApplication::processEvents();
 }
 
-void tst_WaitingSpinnerRun::nothingTurnsWhereNobodySees()
+void tst_WaitingSpinnerWidget_run::nothingTurnsWhereNobodySees()
 {
     QWidget page;
     WaitingSpinnerWidget spinner(&page, false, false);
@@ -164,7 +164,7 @@ void tst_WaitingSpinnerRun::nothingTurnsWhereNobodySees()
     QVERIFY(timer->isActive());
 }
 
-void tst_WaitingSpinnerRun::aWindowThatComesBackGoesOn()
+void tst_WaitingSpinnerWidget_run::aWindowThatComesBackGoesOn()
 {
     QWidget page;
     WaitingSpinnerWidget spinner(&page, false, false);
@@ -176,14 +176,14 @@ void tst_WaitingSpinnerRun::aWindowThatComesBackGoesOn()
     QCOMPARE(leadingLine(spinner), 1);
 }
 
-void tst_WaitingSpinnerRun::theSpinnerStaysInTheMiddle_data()
+void tst_WaitingSpinnerWidget_run::theSpinnerStaysInTheMiddle_data()
 {
     QTest::addColumn<bool>("centred");
     QTest::newRow("centred") << true;
     QTest::newRow("left where it is") << false;
 }
 
-void tst_WaitingSpinnerRun::theSpinnerStaysInTheMiddle()
+void tst_WaitingSpinnerWidget_run::theSpinnerStaysInTheMiddle()
 {
     QFETCH(bool, centred);
     QWidget parent;
@@ -201,7 +201,7 @@ void tst_WaitingSpinnerRun::theSpinnerStaysInTheMiddle()
     QTRY_COMPARE(spinner.pos(), centred ? QPoint(-25, -25) : QPoint(3, 4));
 }
 
-void tst_WaitingSpinnerRun::aWindowIsCentredInTheParentsCoordinates()
+void tst_WaitingSpinnerWidget_run::aWindowIsCentredInTheParentsCoordinates()
 {
     QWidget parent;
     parent.setGeometry(100, 100, 300, 200);
@@ -211,6 +211,6 @@ void tst_WaitingSpinnerRun::aWindowIsCentredInTheParentsCoordinates()
     QCOMPARE(spinner.pos(), QPoint(130, 80));
 }
 
-UNIPROG_TEST_MAIN(tst_WaitingSpinnerRun)
+UNIPROG_TEST_MAIN(tst_WaitingSpinnerWidget_run)
 
-#include "tst_waitingspinnerrun.moc"
+#include "tst_waitingspinnerwidget_run.moc"

@@ -66,7 +66,7 @@ private:
 } // namespace
 
 /// Many lines in one turn of the event loop: those beyond the first hundred wait for the turns that follow.
-class tst_UtilsLoggerBurst : public UniProgTest
+class tst_UtilsLogger_burst : public UniProgTest
 {
     Q_OBJECT
 
@@ -102,7 +102,7 @@ private Q_SLOTS:
     void theViewFollowsABurst();
 };
 
-void tst_UtilsLoggerBurst::theEventLoopGoesOnDuringABurst_data()
+void tst_UtilsLogger_burst::theEventLoopGoesOnDuringABurst_data()
 {
     QTest::addColumn<int>("duration");
     QTest::addColumn<bool>("queued");
@@ -112,7 +112,7 @@ void tst_UtilsLoggerBurst::theEventLoopGoesOnDuringABurst_data()
     QTest::newRow("animated, in queued signals") << Endless << true;
 }
 
-void tst_UtilsLoggerBurst::theEventLoopGoesOnDuringABurst()
+void tst_UtilsLogger_burst::theEventLoopGoesOnDuringABurst()
 {
     QFETCH(int, duration);
     QFETCH(bool, queued);
@@ -139,7 +139,7 @@ void tst_UtilsLoggerBurst::theEventLoopGoesOnDuringABurst()
         QCOMPARE(textAt(logger, row), QString::number(row));
 }
 
-void tst_UtilsLoggerBurst::theFirstLinesAreCompleteAtOnce()
+void tst_UtilsLogger_burst::theFirstLinesAreCompleteAtOnce()
 {
     UtilsLogger logger(nullptr, 0);
     for (int turn = 1; turn <= 3; ++turn) {
@@ -150,14 +150,14 @@ void tst_UtilsLoggerBurst::theFirstLinesAreCompleteAtOnce()
     }
 }
 
-void tst_UtilsLoggerBurst::theRowsAreThereAtOnce_data()
+void tst_UtilsLogger_burst::theRowsAreThereAtOnce_data()
 {
     QTest::addColumn<int>("duration");
     QTest::newRow("not animated") << 0;
     QTest::newRow("animated") << Endless;
 }
 
-void tst_UtilsLoggerBurst::theRowsAreThereAtOnce()
+void tst_UtilsLogger_burst::theRowsAreThereAtOnce()
 {
     QFETCH(int, duration);
     UtilsLogger logger(nullptr, duration);
@@ -174,7 +174,7 @@ void tst_UtilsLoggerBurst::theRowsAreThereAtOnce()
         QCOMPARE(list->item(row)->isHidden(), duration > 0 && row > 0);
 }
 
-void tst_UtilsLoggerBurst::linesOfAnotherThreadComeInOrder()
+void tst_UtilsLogger_burst::linesOfAnotherThreadComeInOrder()
 {
     UtilsLogger logger(nullptr, 0);
     layOut(logger);
@@ -193,7 +193,7 @@ void tst_UtilsLoggerBurst::linesOfAnotherThreadComeInOrder()
         QCOMPARE(textAt(logger, row), QString::number(Burst - logger.getMaxNumberOfLines() + row));
 }
 
-void tst_UtilsLoggerBurst::theLimitHoldsThroughABurst_data()
+void tst_UtilsLogger_burst::theLimitHoldsThroughABurst_data()
 {
     QTest::addColumn<int>("duration");
     QTest::addColumn<int>("limit");
@@ -208,7 +208,7 @@ void tst_UtilsLoggerBurst::theLimitHoldsThroughABurst_data()
     }
 }
 
-void tst_UtilsLoggerBurst::theLimitHoldsThroughABurst()
+void tst_UtilsLogger_burst::theLimitHoldsThroughABurst()
 {
     QFETCH(int, duration);
     QFETCH(int, limit);
@@ -223,7 +223,7 @@ void tst_UtilsLoggerBurst::theLimitHoldsThroughABurst()
     QCOMPARE(textsOf(logger), expected.lines());
 }
 
-void tst_UtilsLoggerBurst::theLimitMayChangeWhileLinesWait()
+void tst_UtilsLogger_burst::theLimitMayChangeWhileLinesWait()
 {
     UtilsLogger logger(nullptr, 0, 150);
     ExpectedLines expected;
@@ -236,7 +236,7 @@ void tst_UtilsLoggerBurst::theLimitMayChangeWhileLinesWait()
     QCOMPARE(listOf(logger)->count(), expected.lines().size());
 }
 
-void tst_UtilsLoggerBurst::whatReadsTheLinesCompletesThem_data()
+void tst_UtilsLogger_burst::whatReadsTheLinesCompletesThem_data()
 {
     using Reader = std::function<void(UtilsLogger &)>;
     QTest::addColumn<Reader>("read");
@@ -263,7 +263,7 @@ void tst_UtilsLoggerBurst::whatReadsTheLinesCompletesThem_data()
     });
 }
 
-void tst_UtilsLoggerBurst::whatReadsTheLinesCompletesThem()
+void tst_UtilsLogger_burst::whatReadsTheLinesCompletesThem()
 {
     using Reader = std::function<void(UtilsLogger &)>;
     QFETCH(Reader, read);
@@ -275,7 +275,7 @@ void tst_UtilsLoggerBurst::whatReadsTheLinesCompletesThem()
     QCOMPARE(textsOf(logger).first(SmallBurst).constLast(), "249");
 }
 
-void tst_UtilsLoggerBurst::copyingTakesTheWaitingLines()
+void tst_UtilsLogger_burst::copyingTakesTheWaitingLines()
 {
     UtilsLogger logger(nullptr, 0);
     addLines(logger, SmallBurst);
@@ -289,14 +289,14 @@ void tst_UtilsLoggerBurst::copyingTakesTheWaitingLines()
     QCOMPARE(QApplication::clipboard()->text(), QString("a\n").repeated(SmallBurst) + "b\n");
 }
 
-void tst_UtilsLoggerBurst::appendingGoesToTheLastWaitingLine_data()
+void tst_UtilsLogger_burst::appendingGoesToTheLastWaitingLine_data()
 {
     QTest::addColumn<int>("duration");
     QTest::newRow("not animated") << 0;
     QTest::newRow("animated") << Endless;
 }
 
-void tst_UtilsLoggerBurst::appendingGoesToTheLastWaitingLine()
+void tst_UtilsLogger_burst::appendingGoesToTheLastWaitingLine()
 {
     QFETCH(int, duration);
     UtilsLogger logger(nullptr, duration);
@@ -312,7 +312,7 @@ void tst_UtilsLoggerBurst::appendingGoesToTheLastWaitingLine()
     QCOMPARE(reveals.size(), duration > 0 ? 3 : 0); // each text has its own
 }
 
-void tst_UtilsLoggerBurst::waitingLinesKeepWhatHeldWhenTheyWereAdded()
+void tst_UtilsLogger_burst::waitingLinesKeepWhatHeldWhenTheyWereAdded()
 {
     UtilsLogger logger(nullptr, Endless);
     addLines(logger, SmallBurst);
@@ -331,7 +331,7 @@ void tst_UtilsLoggerBurst::waitingLinesKeepWhatHeldWhenTheyWereAdded()
     QCOMPARE(lines.at(2)->getType(), LOGGER_MESSAGE_SUCCESS);
 }
 
-void tst_UtilsLoggerBurst::theLoggerIsNotEmptyWhileLinesWait()
+void tst_UtilsLogger_burst::theLoggerIsNotEmptyWhileLinesWait()
 {
     UtilsLogger logger(nullptr, 0, 1);
     addLines(logger, SmallBurst);
@@ -341,7 +341,7 @@ void tst_UtilsLoggerBurst::theLoggerIsNotEmptyWhileLinesWait()
     QVERIFY(!logger.isEmpty());
 }
 
-void tst_UtilsLoggerBurst::completionWaitsForTheWaitingLines()
+void tst_UtilsLogger_burst::completionWaitsForTheWaitingLines()
 {
     UtilsLogger logger(nullptr, 0);
     QSignalSpy completed(&logger, &UtilsLogger::signalLoggerAnimationsCompleted);
@@ -356,7 +356,7 @@ void tst_UtilsLoggerBurst::completionWaitsForTheWaitingLines()
     QVERIFY(logger.isAllAnimationsCompleted());
 }
 
-void tst_UtilsLoggerBurst::completionComesOnceAfterTheLastReveal()
+void tst_UtilsLogger_burst::completionComesOnceAfterTheLastReveal()
 {
     constexpr int Limit = 3;
     UtilsLogger logger(nullptr, Short, Limit);
@@ -377,7 +377,7 @@ void tst_UtilsLoggerBurst::completionComesOnceAfterTheLastReveal()
     QCOMPARE(completed.count(), 1);
 }
 
-void tst_UtilsLoggerBurst::aRevealThatNeverCameDoesNotHoldTheCompletion()
+void tst_UtilsLogger_burst::aRevealThatNeverCameDoesNotHoldTheCompletion()
 {
     UtilsLogger logger(nullptr, 0, 5);
     QSignalSpy completed(&logger, &UtilsLogger::signalLoggerAnimationsCompleted);
@@ -391,7 +391,7 @@ void tst_UtilsLoggerBurst::aRevealThatNeverCameDoesNotHoldTheCompletion()
     QCOMPARE(logger.getLoggerData(), "5\n6\n7\n8\n9\n");
 }
 
-void tst_UtilsLoggerBurst::aRowShowsWhenItsPlaceWasThatOfAReveal()
+void tst_UtilsLogger_burst::aRowShowsWhenItsPlaceWasThatOfAReveal()
 {
     constexpr int Limit = 103;
     UtilsLogger logger(nullptr, 0, Limit);
@@ -406,7 +406,7 @@ void tst_UtilsLoggerBurst::aRowShowsWhenItsPlaceWasThatOfAReveal()
         QVERIFY(!listOf(logger)->item(row)->isHidden());
 }
 
-void tst_UtilsLoggerBurst::clearForgetsTheWaitingLines_data()
+void tst_UtilsLogger_burst::clearForgetsTheWaitingLines_data()
 {
     QTest::addColumn<int>("duration");
     QTest::addColumn<int>("limit");
@@ -416,7 +416,7 @@ void tst_UtilsLoggerBurst::clearForgetsTheWaitingLines_data()
     }
 }
 
-void tst_UtilsLoggerBurst::clearForgetsTheWaitingLines()
+void tst_UtilsLogger_burst::clearForgetsTheWaitingLines()
 {
     QFETCH(int, duration);
     QFETCH(int, limit);
@@ -444,7 +444,7 @@ void tst_UtilsLoggerBurst::clearForgetsTheWaitingLines()
         QTRY_COMPARE(completed.count(), 1);
 }
 
-void tst_UtilsLoggerBurst::theLoggerMayBeDeletedWhileLinesWait_data()
+void tst_UtilsLogger_burst::theLoggerMayBeDeletedWhileLinesWait_data()
 {
     QTest::addColumn<int>("duration");
     QTest::addColumn<int>("limit");
@@ -459,7 +459,7 @@ void tst_UtilsLoggerBurst::theLoggerMayBeDeletedWhileLinesWait_data()
     }
 }
 
-void tst_UtilsLoggerBurst::theLoggerMayBeDeletedWhileLinesWait()
+void tst_UtilsLogger_burst::theLoggerMayBeDeletedWhileLinesWait()
 {
     QFETCH(int, duration);
     QFETCH(int, limit);
@@ -476,7 +476,7 @@ void tst_UtilsLoggerBurst::theLoggerMayBeDeletedWhileLinesWait()
     QCoreApplication::processEvents();
 }
 
-void tst_UtilsLoggerBurst::theLoggerMayBeHiddenWhileLinesWait()
+void tst_UtilsLogger_burst::theLoggerMayBeHiddenWhileLinesWait()
 {
     UtilsLogger logger(nullptr, 0);
     layOut(logger);
@@ -490,7 +490,7 @@ void tst_UtilsLoggerBurst::theLoggerMayBeHiddenWhileLinesWait()
     QCOMPARE(last->geometry(), list->visualItemRect(list->item(SmallBurst - 1)));
 }
 
-void tst_UtilsLoggerBurst::aRowThatIsTakenOutTakesItsWaitingLineAlong()
+void tst_UtilsLogger_burst::aRowThatIsTakenOutTakesItsWaitingLineAlong()
 {
     UtilsLogger logger(nullptr, 0);
     addLines(logger, SmallBurst);
@@ -505,7 +505,7 @@ void tst_UtilsLoggerBurst::aRowThatIsTakenOutTakesItsWaitingLineAlong()
     QCOMPARE(completeRows(logger), SmallBurst - 2);
 }
 
-void tst_UtilsLoggerBurst::theViewFollowsABurst()
+void tst_UtilsLogger_burst::theViewFollowsABurst()
 {
     UtilsLogger logger(nullptr, 0, 300);
     logger.resize(200, 100);
@@ -521,5 +521,5 @@ void tst_UtilsLoggerBurst::theViewFollowsABurst()
     }
 }
 
-UNIPROG_TEST_MAIN(tst_UtilsLoggerBurst)
-#include "tst_utilsloggerburst.moc"
+UNIPROG_TEST_MAIN(tst_UtilsLogger_burst)
+#include "tst_utilslogger_burst.moc"

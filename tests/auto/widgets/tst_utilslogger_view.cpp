@@ -13,7 +13,7 @@ using namespace LoggerTest;
 static constexpr int RowHeight = 19; // pixels
 
 /// What the user sees of a logger and does with it: colours, scrolling, keys, menu and clipboard.
-class tst_UtilsLoggerView : public UniProgTest
+class tst_UtilsLogger_view : public UniProgTest
 {
     Q_OBJECT
 
@@ -43,14 +43,14 @@ private Q_SLOTS:
     void theLoggerMayBeDeletedWhileItsMenuIsOpen();
 };
 
-void tst_UtilsLoggerView::theBackgroundColorGoesToAllLines_data()
+void tst_UtilsLogger_view::theBackgroundColorGoesToAllLines_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::newRow("background-color") << QByteArray("background-color");
     QTest::newRow("a longer name") << QByteArray("background-color-extra");
 }
 
-void tst_UtilsLoggerView::theBackgroundColorGoesToAllLines()
+void tst_UtilsLogger_view::theBackgroundColorGoesToAllLines()
 {
     QFETCH(QByteArray, name);
     UtilsLogger logger(nullptr, Endless);
@@ -70,7 +70,7 @@ void tst_UtilsLoggerView::theBackgroundColorGoesToAllLines()
         QCOMPARE(part->property("background-color"), QVariant("main"));
 }
 
-void tst_UtilsLoggerView::theBackgroundColorIsUnsetByTheIntegerZeroOnly_data()
+void tst_UtilsLogger_view::theBackgroundColorIsUnsetByTheIntegerZeroOnly_data()
 {
     QTest::addColumn<QVariant>("value");
     QTest::addColumn<bool>("passedOn");
@@ -80,7 +80,7 @@ void tst_UtilsLoggerView::theBackgroundColorIsUnsetByTheIntegerZeroOnly_data()
     QTest::newRow("integer 0") << QVariant(0) << false;
 }
 
-void tst_UtilsLoggerView::theBackgroundColorIsUnsetByTheIntegerZeroOnly()
+void tst_UtilsLogger_view::theBackgroundColorIsUnsetByTheIntegerZeroOnly()
 {
     QFETCH(QVariant, value);
     QFETCH(bool, passedOn);
@@ -92,7 +92,7 @@ void tst_UtilsLoggerView::theBackgroundColorIsUnsetByTheIntegerZeroOnly()
     QCOMPARE(seen, passedOn ? value : QVariant());
 }
 
-void tst_UtilsLoggerView::anotherPropertyIsSetOnTheLoggerOnly()
+void tst_UtilsLogger_view::anotherPropertyIsSetOnTheLoggerOnly()
 {
     UtilsLogger logger(nullptr, 0);
     UtilsLoggerLine *line = logger.addLine("a", LOGGER_MESSAGE_DEFAULT);
@@ -104,7 +104,7 @@ void tst_UtilsLoggerView::anotherPropertyIsSetOnTheLoggerOnly()
     QCOMPARE(logger.windowTitle(), "title");
 }
 
-void tst_UtilsLoggerView::aNewBackgroundColorIsStyledAtOnce()
+void tst_UtilsLogger_view::aNewBackgroundColorIsStyledAtOnce()
 {
     QWidget window;
     window.setStyleSheet("*[background-color=\"dark\"] { background-color: #203040; }"
@@ -122,7 +122,7 @@ void tst_UtilsLoggerView::aNewBackgroundColorIsStyledAtOnce()
     QCOMPARE(colorAtEnd(), "#d0e0f0");
 }
 
-void tst_UtilsLoggerView::contentsMarginsAreThoseOfTheLayout()
+void tst_UtilsLogger_view::contentsMarginsAreThoseOfTheLayout()
 {
     UtilsLogger logger;
     const QMargins frame = logger.contentsMargins();
@@ -135,7 +135,7 @@ void tst_UtilsLoggerView::contentsMarginsAreThoseOfTheLayout()
     QVERIFY(logger.contentsMargins() != frame);
 }
 
-void tst_UtilsLoggerView::theListTakesOverTheFocusPolicy()
+void tst_UtilsLogger_view::theListTakesOverTheFocusPolicy()
 {
     UtilsLogger logger;
     logger.setFocusPolicy(Qt::ClickFocus);
@@ -144,7 +144,7 @@ void tst_UtilsLoggerView::theListTakesOverTheFocusPolicy()
     QCOMPARE(listOf(logger)->focusPolicy(), Qt::ClickFocus);
 }
 
-void tst_UtilsLoggerView::theViewFollowsTheEnd()
+void tst_UtilsLogger_view::theViewFollowsTheEnd()
 {
     for (const int duration : {0, 1}) {
         UtilsLogger logger(nullptr, duration, 60);
@@ -163,7 +163,7 @@ void tst_UtilsLoggerView::theViewFollowsTheEnd()
     }
 }
 
-void tst_UtilsLoggerView::theViewStaysWhereTheUserScrolledTo()
+void tst_UtilsLogger_view::theViewStaysWhereTheUserScrolledTo()
 {
     UtilsLogger logger(nullptr, 0);
     logger.resize(200, 100);
@@ -188,7 +188,7 @@ void tst_UtilsLoggerView::theViewStaysWhereTheUserScrolledTo()
     QCOMPARE(bar->value(), bar->maximum());
 }
 
-void tst_UtilsLoggerView::rowsStandWhereTheListSaysTheyDo()
+void tst_UtilsLogger_view::rowsStandWhereTheListSaysTheyDo()
 {
     UtilsLogger logger(nullptr, 0, 40);
     logger.resize(200, 100);
@@ -246,7 +246,7 @@ void tst_UtilsLoggerView::rowsStandWhereTheListSaysTheyDo()
     verifyRows();
 }
 
-void tst_UtilsLoggerView::keysMoveTheCurrentRow_data()
+void tst_UtilsLogger_view::keysMoveTheCurrentRow_data()
 {
     QTest::addColumn<int>("rows");
     QTest::addColumn<int>("current");
@@ -267,7 +267,7 @@ void tst_UtilsLoggerView::keysMoveTheCurrentRow_data()
         QTest::addRow("key %x without rows", unsigned(key)) << 0 << -1 << key << -1;
 }
 
-void tst_UtilsLoggerView::keysMoveTheCurrentRow()
+void tst_UtilsLogger_view::keysMoveTheCurrentRow()
 {
     QFETCH(int, rows);
     QFETCH(int, current);
@@ -283,7 +283,7 @@ void tst_UtilsLoggerView::keysMoveTheCurrentRow()
     QVERIFY(list->selectedItems().isEmpty());
 }
 
-void tst_UtilsLoggerView::homeAndEndMoveTheScrollBar()
+void tst_UtilsLogger_view::homeAndEndMoveTheScrollBar()
 {
     UtilsLogger logger(nullptr, 0);
     logger.resize(200, 100);
@@ -305,7 +305,7 @@ void tst_UtilsLoggerView::homeAndEndMoveTheScrollBar()
     QCOMPARE(bar->value(), 5); // unchanged, although the row is out of sight
 }
 
-void tst_UtilsLoggerView::otherKeysAndWidgetsAreNotConsumed()
+void tst_UtilsLogger_view::otherKeysAndWidgetsAreNotConsumed()
 {
     UtilsLogger logger(nullptr, 0);
     addLines(logger, 3);
@@ -323,7 +323,7 @@ void tst_UtilsLoggerView::otherKeysAndWidgetsAreNotConsumed()
         QVERIFY(!consumed(logger, list, QEvent::KeyPress, key));
 }
 
-void tst_UtilsLoggerView::copySelectedTakesTheCurrentLine()
+void tst_UtilsLogger_view::copySelectedTakesTheCurrentLine()
 {
     UtilsLogger logger(nullptr, 0);
     logger.addMessage("a\nb\nc", LOGGER_MESSAGE_DEFAULT);
@@ -342,7 +342,7 @@ void tst_UtilsLoggerView::copySelectedTakesTheCurrentLine()
     QCOMPARE(QApplication::clipboard()->text(), "untouched");
 }
 
-void tst_UtilsLoggerView::copyAllTakesAllLines()
+void tst_UtilsLogger_view::copyAllTakesAllLines()
 {
     UtilsLogger logger(nullptr, 0);
     logger.addMessage("x\ny", LOGGER_MESSAGE_DEFAULT);
@@ -353,7 +353,7 @@ void tst_UtilsLoggerView::copyAllTakesAllLines()
     QCOMPARE(QApplication::clipboard()->text(), QString());
 }
 
-void tst_UtilsLoggerView::theCopyShortcutWorksInTheWindowOfTheLogger()
+void tst_UtilsLogger_view::theCopyShortcutWorksInTheWindowOfTheLogger()
 {
     UtilsLogger logger(nullptr, 0);
     logger.addMessage("a\nb", LOGGER_MESSAGE_DEFAULT);
@@ -366,7 +366,7 @@ void tst_UtilsLoggerView::theCopyShortcutWorksInTheWindowOfTheLogger()
     QCOMPARE(QApplication::clipboard()->text(), "b");
 }
 
-void tst_UtilsLoggerView::theContextMenuOffersToCopy()
+void tst_UtilsLogger_view::theContextMenuOffersToCopy()
 {
     UtilsLogger logger(nullptr, 0);
     logger.addMessage("a\nb", LOGGER_MESSAGE_DEFAULT);
@@ -396,7 +396,7 @@ void tst_UtilsLoggerView::theContextMenuOffersToCopy()
     QVERIFY(actionOf(logger, "Copy All"));
 }
 
-void tst_UtilsLoggerView::theLoggerMayBeDeletedWhileItsMenuIsOpen()
+void tst_UtilsLogger_view::theLoggerMayBeDeletedWhileItsMenuIsOpen()
 {
     auto *logger = new UtilsLogger(nullptr, 0);
     layOut(*logger);
@@ -405,5 +405,5 @@ void tst_UtilsLoggerView::theLoggerMayBeDeletedWhileItsMenuIsOpen()
     QVERIFY(!QApplication::activePopupWidget());
 }
 
-UNIPROG_TEST_MAIN(tst_UtilsLoggerView)
-#include "tst_utilsloggerview.moc"
+UNIPROG_TEST_MAIN(tst_UtilsLogger_view)
+#include "tst_utilslogger_view.moc"

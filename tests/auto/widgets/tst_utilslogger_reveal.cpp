@@ -7,7 +7,7 @@
 using namespace LoggerTest;
 
 /// How the lines of a logger come and go: reveals in order, clear(), and deletion in mid-reveal.
-class tst_UtilsLoggerReveal : public UniProgTest
+class tst_UtilsLogger_reveal : public UniProgTest
 {
     Q_OBJECT
 
@@ -33,7 +33,7 @@ private Q_SLOTS:
     void theLoggerMayBeDeletedInAnyState();
 };
 
-void tst_UtilsLoggerReveal::linesAreRevealedOneAfterAnother()
+void tst_UtilsLogger_reveal::linesAreRevealedOneAfterAnother()
 {
     UtilsLogger logger(nullptr, Short);
     layOut(logger);
@@ -60,7 +60,7 @@ void tst_UtilsLoggerReveal::linesAreRevealedOneAfterAnother()
     QVERIFY(logger.isAllAnimationsCompleted());
 }
 
-void tst_UtilsLoggerReveal::theRevealHidesTheText_data()
+void tst_UtilsLogger_reveal::theRevealHidesTheText_data()
 {
     const QString theme = "*[background-color=\"main\"] { background-color: #22262c; } QLabel { color: #ffffff; }"
                           "QLabel[font-size=\"level2\"] { font-size: 14px; }";
@@ -72,7 +72,7 @@ void tst_UtilsLoggerReveal::theRevealHidesTheText_data()
     QTest::newRow("right to left") << theme << QString(10, QChar(0x05d0));
 }
 
-void tst_UtilsLoggerReveal::theRevealHidesTheText()
+void tst_UtilsLogger_reveal::theRevealHidesTheText()
 {
     QFETCH(QString, styleSheet);
     QFETCH(QString, text);
@@ -108,7 +108,7 @@ void tst_UtilsLoggerReveal::theRevealHidesTheText()
     QVERIFY(colorsIn(revealed) > 1);
 }
 
-void tst_UtilsLoggerReveal::theFlagIsStillFalseInsideTheSignal()
+void tst_UtilsLogger_reveal::theFlagIsStillFalseInsideTheSignal()
 {
     UtilsLogger logger(nullptr, Short);
     QList<bool> seen;
@@ -125,7 +125,7 @@ void tst_UtilsLoggerReveal::theFlagIsStillFalseInsideTheSignal()
     QVERIFY(logger.isAllAnimationsCompleted());
 }
 
-void tst_UtilsLoggerReveal::theFlagGoesFalseWithEveryLine()
+void tst_UtilsLogger_reveal::theFlagGoesFalseWithEveryLine()
 {
     UtilsLogger logger(nullptr, Short);
     QSignalSpy completed(&logger, &UtilsLogger::signalLoggerAnimationsCompleted);
@@ -137,7 +137,7 @@ void tst_UtilsLoggerReveal::theFlagGoesFalseWithEveryLine()
     }
 }
 
-void tst_UtilsLoggerReveal::withoutDurationTheFlagStaysFalse()
+void tst_UtilsLogger_reveal::withoutDurationTheFlagStaysFalse()
 {
     UtilsLogger logger(nullptr, 0);
     layOut(logger);
@@ -152,7 +152,7 @@ void tst_UtilsLoggerReveal::withoutDurationTheFlagStaysFalse()
     QCOMPARE(completed.count(), 0);
 }
 
-void tst_UtilsLoggerReveal::theDurationHoldsForLaterLines()
+void tst_UtilsLogger_reveal::theDurationHoldsForLaterLines()
 {
     UtilsLogger logger(nullptr, Endless);
     UtilsLoggerLine *before = logger.addLine("a", LOGGER_MESSAGE_DEFAULT);
@@ -165,7 +165,7 @@ void tst_UtilsLoggerReveal::theDurationHoldsForLaterLines()
     QVERIFY(!plain->findChild<QPropertyAnimation *>());
 }
 
-void tst_UtilsLoggerReveal::aLineDeletedByOthersDoesNotHoldTheQueue()
+void tst_UtilsLogger_reveal::aLineDeletedByOthersDoesNotHoldTheQueue()
 {
     UtilsLogger logger(nullptr, Short);
     QSignalSpy completed(&logger, &UtilsLogger::signalLoggerAnimationsCompleted);
@@ -180,14 +180,14 @@ void tst_UtilsLoggerReveal::aLineDeletedByOthersDoesNotHoldTheQueue()
     QCOMPARE(logger.getLoggerData(), "c\n");
 }
 
-void tst_UtilsLoggerReveal::clearLeavesNothing_data()
+void tst_UtilsLogger_reveal::clearLeavesNothing_data()
 {
     QTest::addColumn<int>("duration");
     QTest::newRow("not animated") << 0;
     QTest::newRow("revealing") << Short;
 }
 
-void tst_UtilsLoggerReveal::clearLeavesNothing()
+void tst_UtilsLogger_reveal::clearLeavesNothing()
 {
     QFETCH(int, duration);
     UtilsLogger logger(nullptr, duration);
@@ -206,7 +206,7 @@ void tst_UtilsLoggerReveal::clearLeavesNothing()
     QCOMPARE(completed.count(), 0);
 }
 
-void tst_UtilsLoggerReveal::clearDoesNotSetTheFlag()
+void tst_UtilsLogger_reveal::clearDoesNotSetTheFlag()
 {
     UtilsLogger logger(nullptr, Short);
     addLines(logger, 1);
@@ -216,7 +216,7 @@ void tst_UtilsLoggerReveal::clearDoesNotSetTheFlag()
     QVERIFY(!logger.isAllAnimationsCompleted());
 }
 
-void tst_UtilsLoggerReveal::aHeldLineMayBeUsedInTheTurnOfClear()
+void tst_UtilsLogger_reveal::aHeldLineMayBeUsedInTheTurnOfClear()
 {
     UtilsLogger logger(nullptr, Short);
     UtilsLoggerLine *running = logger.addLine("a", LOGGER_MESSAGE_DEFAULT);
@@ -230,7 +230,7 @@ void tst_UtilsLoggerReveal::aHeldLineMayBeUsedInTheTurnOfClear()
     QVERIFY(logger.getLoggerData().isEmpty());
 }
 
-void tst_UtilsLoggerReveal::linesAddedInTheSameTurnAsClearAreRevealedInOrder()
+void tst_UtilsLogger_reveal::linesAddedInTheSameTurnAsClearAreRevealedInOrder()
 {
     UtilsLogger logger(nullptr, Short);
     layOut(logger);
@@ -248,14 +248,14 @@ void tst_UtilsLoggerReveal::linesAddedInTheSameTurnAsClearAreRevealedInOrder()
     QCOMPARE(logger.getLoggerData(), "a\nb\n");
 }
 
-void tst_UtilsLoggerReveal::clearInsideASignal_data()
+void tst_UtilsLogger_reveal::clearInsideASignal_data()
 {
     QTest::addColumn<bool>("ofTheLine");
     QTest::newRow("finished of the reveal") << true;
     QTest::newRow("all completed") << false;
 }
 
-void tst_UtilsLoggerReveal::clearInsideASignal()
+void tst_UtilsLogger_reveal::clearInsideASignal()
 {
     QFETCH(bool, ofTheLine);
     UtilsLogger logger(nullptr, Short);
@@ -282,7 +282,7 @@ void tst_UtilsLoggerReveal::clearInsideASignal()
     QCOMPARE(logger.getLoggerData(), "a\nb\n");
 }
 
-void tst_UtilsLoggerReveal::theLoggerMayBeDeletedInsideItsSignal()
+void tst_UtilsLogger_reveal::theLoggerMayBeDeletedInsideItsSignal()
 {
     const QPointer<UtilsLogger> logger = new UtilsLogger(nullptr, Short);
     layOut(*logger);
@@ -292,7 +292,7 @@ void tst_UtilsLoggerReveal::theLoggerMayBeDeletedInsideItsSignal()
     QCoreApplication::processEvents();
 }
 
-void tst_UtilsLoggerReveal::theLoggerMayBeDeletedInAnyState_data()
+void tst_UtilsLogger_reveal::theLoggerMayBeDeletedInAnyState_data()
 {
     QTest::addColumn<int>("duration");
     QTest::addColumn<int>("limit");
@@ -311,7 +311,7 @@ void tst_UtilsLoggerReveal::theLoggerMayBeDeletedInAnyState_data()
     }
 }
 
-void tst_UtilsLoggerReveal::theLoggerMayBeDeletedInAnyState()
+void tst_UtilsLogger_reveal::theLoggerMayBeDeletedInAnyState()
 {
     QFETCH(int, duration);
     QFETCH(int, limit);
@@ -329,5 +329,5 @@ void tst_UtilsLoggerReveal::theLoggerMayBeDeletedInAnyState()
     QCoreApplication::processEvents();
 }
 
-UNIPROG_TEST_MAIN(tst_UtilsLoggerReveal)
-#include "tst_utilsloggerreveal.moc"
+UNIPROG_TEST_MAIN(tst_UtilsLogger_reveal)
+#include "tst_utilslogger_reveal.moc"
