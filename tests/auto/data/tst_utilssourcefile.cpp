@@ -1,86 +1,12 @@
-#include <UtilsSourceFile.h>
+#include "SourceFileTest.h"
 
-#include <UtilsSingleInstance.h>
-
-#include <UniProgTest.h>
-
-#include <QAction>
-#include <QApplication>
 #include <QClipboard>
-#include <QDir>
-#include <QFile>
-#include <QFileDialog>
 #include <QFileSystemWatcher>
 #include <QMetaMethod>
-#include <QPointer>
-#include <QPushButton>
-#include <QSettings>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QTimer>
 
-#include <functional>
-#include <memory>
 #include <type_traits>
 
 namespace {
-
-constexpr int PatienceMs = 30'000;
-const QString SettingsKey = QStringLiteral("LastSelectedFile");
-const char EmptyPathWarning[] = "QFileSystemWatcher::addPath: path is empty";
-
-bool write(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
-
-QVariant stored()
-{
-    return QSettings(QStringLiteral("Orbelkan"), UtilsSingleInstance::getApplicationName()).value(SettingsKey);
-}
-
-void store(const QVariant &value)
-{
-    QSettings settings(QStringLiteral("Orbelkan"), UtilsSingleInstance::getApplicationName());
-    if (value.isValid())
-        settings.setValue(SettingsKey, value);
-    else
-        settings.remove(SettingsKey);
-}
-
-/// Calls \a act with the next file dialog that opens. Should no one have closed it after a long time, it is closed,
-/// so that no test waits for ever.
-class WithTheDialog : public QObject
-{
-public:
-    explicit WithTheDialog(std::function<void(QFileDialog *)> act)
-        : action(std::move(act))
-    {
-        watch.callOnTimeout(this, &WithTheDialog::look);
-        watch.start(1);
-        QTimer::singleShot(PatienceMs, this, [] {
-            if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget()))
-                dialog->reject();
-        });
-    }
-
-    bool seen = false;
-
-private:
-    void look()
-    {
-        auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
-        if (!dialog)
-            return;
-        watch.stop();
-        seen = true;
-        action(dialog);
-    }
-
-    QTimer watch;
-    std::function<void(QFileDialog *)> action;
-};
 
 #ifdef Q_OS_WIN
 const char FoldersAreWatched[]
@@ -94,15 +20,11 @@ static_assert(!std::is_constructible_v<UtilsSourceFile, QObject *>);
 
 } // namespace
 
-class tst_UtilsSourceFile : public UniProgTest
+class tst_UtilsSourceFile : public SourceFileTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
-
     void itStartsWithTheStoredFileAndWatchesIt();
     void aSecondCreationReturnsTheFirstObjectUnchanged();
     void theMethodsStandInTheirOrder();
@@ -126,63 +48,7 @@ private Q_SLOTS:
     void aFileThatExistsIsCopiedToTheClipboard();
     void nothingElseIsCopiedToTheClipboard_data();
     void nothingElseIsCopiedToTheClipboard();
-
-    void theDialogAsksForAFlashImage();
-    void theDialogOpensWhereTheChoiceIs_data();
-    void theDialogOpensWhereTheChoiceIs();
-    void theDialogBelongsToTheWidgetThatAsked();
-    void theAcceptedFileIsChosen();
-    void aFileSelectedBeforeACancelIsChosen();
-    void aCancelWithoutSelectionChoosesTheDirectory();
-    void theWidgetThatAskedMayGoWhileTheDialogIsOpen();
-
-    void deletionStoresTheChoiceEvenWhileTheDialogIsOpen(); // the last one: there is no second object
-
-private:
-    QString path(const QString &name) const
-    {
-        return folder.filePath(name);
-    }
-    void choose(const QString &file);
-
-    QTemporaryDir folder;
-    std::unique_ptr<QObject> owner;
-    QPointer<UtilsSourceFile> source;
-    QString image;
 };
-
-void tst_UtilsSourceFile::initTestCase()
-{
-    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    QVERIFY(folder.isValid());
-    image = path(QStringLiteral("image.hex"));
-    QVERIFY(write(image, ":00000001FF"));
-    UtilsSingleInstance::setApplicationName(QStringLiteral("Source file test"));
-    owner = std::make_unique<QObject>();
-
-    store(image);
-    source = UtilsSourceFile::createSourceFile(owner.get());
-    QVERIFY(source);
-}
-
-void tst_UtilsSourceFile::init()
-{
-    UniProgTest::init();
-    QVERIFY(write(image, ":00000001FF"));
-}
-
-void tst_UtilsSourceFile::cleanup()
-{
-    QDir::setCurrent(QDir::rootPath());
-}
-
-/// Chooses \a file with a fresh view of it.
-void tst_UtilsSourceFile::choose(const QString &file)
-{
-    if (file.isEmpty())
-        QTest::ignoreMessage(QtWarningMsg, EmptyPathWarning);
-    source->setFileInfo(QFileInfo(file));
-}
 
 void tst_UtilsSourceFile::itStartsWithTheStoredFileAndWatchesIt()
 {
@@ -457,157 +323,6 @@ void tst_UtilsSourceFile::nothingElseIsCopiedToTheClipboard()
     source->slotCopyFileName();
     source->slotCopyAbsolutePath();
     QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("what was there"));
-}
-
-void tst_UtilsSourceFile::theDialogAsksForAFlashImage()
-{
-    choose(image);
-    QPointer<QFileDialog> shown;
-    const WithTheDialog user([&](QFileDialog *dialog) {
-        shown = dialog;
-        QCOMPARE(dialog->nameFilters(), QStringList(QStringLiteral("Flash image files (*.bin *.hex)")));
-        QCOMPARE(dialog->fileMode(), QFileDialog::AnyFile);
-        QCOMPARE(dialog->acceptMode(), QFileDialog::AcceptOpen);
-        QVERIFY(dialog->isModal());
-        QVERIFY(!dialog->parentWidget());
-        dialog->reject();
-    });
-    source->slotSearchFile();
-    QVERIFY(user.seen);
-    QVERIFY(!shown);
-    QVERIFY(!QApplication::activeModalWidget());
-}
-
-void tst_UtilsSourceFile::theDialogOpensWhereTheChoiceIs_data()
-{
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QString>("directory");
-    QTest::newRow("a file") << image << folder.path();
-    QTest::newRow("a file that does not exist") << path(QStringLiteral("missing.bin")) << QDir::homePath();
-    QTest::newRow("a directory") << folder.path() << QFileInfo(folder.path()).path();
-    QTest::newRow("nothing") << QString() << QDir::homePath();
-}
-
-void tst_UtilsSourceFile::theDialogOpensWhereTheChoiceIs()
-{
-    QFETCH(QString, file);
-    QFETCH(QString, directory);
-    choose(file);
-    QString opened;
-    const WithTheDialog user([&](QFileDialog *dialog) {
-        opened = dialog->directory().absolutePath();
-        dialog->reject();
-    });
-    source->slotSearchFile();
-    QVERIFY(user.seen);
-    QCOMPARE(opened, QDir(directory).absolutePath());
-}
-
-void tst_UtilsSourceFile::theDialogBelongsToTheWidgetThatAsked()
-{
-    choose(image);
-    QPushButton button;
-    connect(&button, &QPushButton::clicked, source, &UtilsSourceFile::slotSearchFile);
-    QWidget *parent = nullptr;
-    const auto look = [&](QFileDialog *dialog) {
-        parent = dialog->parentWidget();
-        dialog->reject();
-    };
-    const WithTheDialog user(look);
-    button.click();
-    QVERIFY(user.seen);
-    QCOMPARE(parent, &button);
-
-    QAction action;
-    connect(&action, &QAction::triggered, source, &UtilsSourceFile::slotSearchFile);
-    const WithTheDialog again(look);
-    action.trigger();
-    QVERIFY(again.seen);
-    QVERIFY(!parent);
-}
-
-void tst_UtilsSourceFile::theAcceptedFileIsChosen()
-{
-    const QString other = path(QStringLiteral("chosen.bin"));
-    QVERIFY(write(other, "chosen"));
-    choose(image);
-    QSignalSpy changes(source, &UtilsSourceFile::signalFileChanged);
-    const WithTheDialog user([&](QFileDialog *dialog) {
-        dialog->selectFile(other);
-        QTest::keyClick(dialog, Qt::Key_Return);
-    });
-    source->slotSearchFile();
-    QVERIFY(user.seen);
-    QCOMPARE(changes.size(), 1);
-    QCOMPARE(UtilsSourceFile::getAbsoluteFilePath(), other);
-    QVERIFY(write(other, "changed"));
-    QVERIFY(changes.wait(PatienceMs));
-}
-
-void tst_UtilsSourceFile::aFileSelectedBeforeACancelIsChosen()
-{
-    const QString other = path(QStringLiteral("chosen.bin"));
-    QVERIFY(write(other, "chosen"));
-    choose(image);
-    const QSignalSpy changes(source, &UtilsSourceFile::signalFileChanged);
-    const WithTheDialog user([&](QFileDialog *dialog) {
-        dialog->selectFile(other);
-        QTest::keyClick(dialog, Qt::Key_Escape);
-    });
-    source->slotSearchFile();
-    QVERIFY(user.seen);
-    QCOMPARE(changes.size(), 1);
-    QCOMPARE(UtilsSourceFile::getAbsoluteFilePath(), other);
-}
-
-void tst_UtilsSourceFile::aCancelWithoutSelectionChoosesTheDirectory()
-{
-    choose(image);
-    const QSignalSpy changes(source, &UtilsSourceFile::signalFileChanged);
-    const WithTheDialog user([](QFileDialog *dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
-    source->slotSearchFile();
-    QVERIFY(user.seen);
-    QCOMPARE(changes.size(), 1);
-    QCOMPARE(UtilsSourceFile::getFileName(), QString());
-    source->writeFileToRegistry();
-    QCOMPARE(stored().toString(), folder.path());
-}
-
-void tst_UtilsSourceFile::theWidgetThatAskedMayGoWhileTheDialogIsOpen()
-{
-    choose(image);
-    const QSignalSpy changes(source, &UtilsSourceFile::signalFileChanged);
-    auto window = std::make_unique<QWidget>();
-    auto *button = new QPushButton(window.get());
-    connect(button, &QPushButton::clicked, source, &UtilsSourceFile::slotSearchFile);
-    const WithTheDialog user([&](QFileDialog *) { window.reset(); });
-    button->click();
-    QVERIFY(user.seen);
-    QVERIFY(!window);
-    QVERIFY(changes.isEmpty());
-    QCOMPARE(UtilsSourceFile::getAbsoluteFilePath(), image);
-}
-
-void tst_UtilsSourceFile::deletionStoresTheChoiceEvenWhileTheDialogIsOpen()
-{
-    choose(image);
-    source->writeFileToRegistry();
-    const auto address = quintptr(source.data());
-    const WithTheDialog user([&](QFileDialog *dialog) {
-        source->slotRemoveFile();
-        owner.reset();
-        dialog->selectFile(image);
-        dialog->reject();
-    });
-    source->slotSearchFile();
-    QVERIFY(user.seen);
-    QVERIFY(!source);
-    QVERIFY(stored().isValid());
-    QCOMPARE(stored().toString(), QString());
-    // Nobody is left to take what was selected.
-    QCOMPARE(UtilsSourceFile::getFileName(), QString());
-    // There is one object a process: no second one is made in its place.
-    QCOMPARE(quintptr(UtilsSourceFile::createSourceFile(nullptr)), address);
 }
 
 UNIPROG_TEST_MAIN(tst_UtilsSourceFile)
