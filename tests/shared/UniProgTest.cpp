@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QImageReader>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -60,6 +61,20 @@ void UniProgTest::prepareProcess()
 QString UniProgTest::programOutput(const QByteArray &bytes)
 {
     return QString::fromUtf8(bytes).replace(QLatin1String("\r\n"), QLatin1String("\n"));
+}
+
+int UniProgTest::runProgram(const QString &program, const QStringList &arguments, QString *out, QString *err,
+                            const QString &folder)
+{
+    QProcess process;
+    process.setWorkingDirectory(folder);
+    process.start(program, arguments);
+    // A program may have ended before anybody waits for that.
+    if (!process.waitForFinished() && process.error() != QProcess::UnknownError)
+        qFatal("%s: %s", qPrintable(program), qPrintable(process.errorString()));
+    *out = programOutput(process.readAllStandardOutput());
+    *err = programOutput(process.readAllStandardError());
+    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
 }
 
 bool UniProgTest::lacksSvg()

@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <climits>
@@ -37,13 +36,7 @@ QByteArray checkImage(quint32 length, const QByteArray &version)
 
 int run(const QStringList &arguments, QString *out, QString *err)
 {
-    QProcess process;
-    process.start(QStringLiteral(COMMAND), arguments);
-    if (!process.waitForFinished())
-        qFatal("%s does not end", COMMAND);
-    *out = UniProgTest::programOutput(process.readAllStandardOutput());
-    *err = UniProgTest::programOutput(process.readAllStandardError());
-    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    return UniProgTest::runProgram(QStringLiteral(COMMAND), arguments, out, err);
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
 class tst_UniProgTheme : public UniProgTest
@@ -38,14 +37,7 @@ void tst_UniProgTheme::write(const QString &name, const QByteArray &content)
 
 int tst_UniProgTheme::run(const QStringList &arguments)
 {
-    QProcess process;
-    process.setWorkingDirectory(folder.path());
-    process.start(QStringLiteral(COMMAND), arguments);
-    if (!process.waitForFinished())
-        qFatal("%s does not end", COMMAND);
-    out = programOutput(process.readAllStandardOutput());
-    err = programOutput(process.readAllStandardError());
-    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    return runProgram(QStringLiteral(COMMAND), arguments, &out, &err, folder.path());
 }
 
 void tst_UniProgTheme::findingsAreReported_data()

@@ -1,7 +1,6 @@
 #include <UniProgTest.h>
 
 #include <QApplication>
-#include <QProcess>
 #include <QTemporaryFile>
 
 class tst_UniProgToken : public UniProgTest
@@ -18,13 +17,7 @@ private Q_SLOTS:
 
 static int run(const QStringList &arguments, QString *out, QString *err)
 {
-    QProcess process;
-    process.start(QStringLiteral(COMMAND), arguments);
-    if (!process.waitForFinished())
-        qFatal("%s does not end", COMMAND);
-    *out = UniProgTest::programOutput(process.readAllStandardOutput());
-    *err = UniProgTest::programOutput(process.readAllStandardError());
-    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    return UniProgTest::runProgram(QStringLiteral(COMMAND), arguments, out, err);
 }
 
 void tst_UniProgToken::groupsArePrinted_data()
