@@ -78,10 +78,12 @@ private:
 
     void setupForm();
     void markEnds(QToolButton *newButton);
+    void tellOfClick(int id);
 
     Form form;
     QButtonGroup *group;
     QList<QPointer<QToolButton>> buttons; ///< without those that are about to be deleted
+    bool isClicked = false;
 };
 
 #endif // UTILSBUTTONGROUP_H

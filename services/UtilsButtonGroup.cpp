@@ -39,10 +39,22 @@ UtilsButtonGroup::UtilsButtonGroup(QWidget *parent)
     form.frame_buttons->setLayoutDirection(Qt::LeftToRight); // a style sheet draws the left end where left is
 
     group->setExclusive(true);
-    connect(group, &QButtonGroup::idClicked, this, &UtilsButtonGroup::signalButtonClicked);
+    connect(group, &QButtonGroup::idClicked, this, &UtilsButtonGroup::tellOfClick);
 }
 
-UtilsButtonGroup::~UtilsButtonGroup() = default;
+UtilsButtonGroup::~UtilsButtonGroup()
+{
+    if (!isClicked)
+        return;
+    // A receiver deletes the row inside the click of a button. QToolButton goes on with that button when it has said
+    // so: the buttons stay until the event loop comes to them.
+    for (const auto &button : std::as_const(buttons)) {
+        if (!button)
+            continue;
+        button->setParent(nullptr);
+        button->deleteLater();
+    }
+}
 
 void UtilsButtonGroup::setupForm()
 {
@@ -59,6 +71,15 @@ void UtilsButtonGroup::setupForm()
     form.frame_buttons->setFrameShape(QFrame::StyledPanel);
     form.frame_buttons->setFrameShadow(QFrame::Raised);
     form.horizontalLayout->addWidget(form.frame_buttons);
+}
+
+void UtilsButtonGroup::tellOfClick(int id)
+{
+    const QPointer<UtilsButtonGroup> self(this);
+    isClicked = true;
+    Q_EMIT signalButtonClicked(id);
+    if (self)
+        isClicked = false;
 }
 
 int UtilsButtonGroup::addButton(QString name, int id)

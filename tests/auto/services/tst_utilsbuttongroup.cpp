@@ -44,6 +44,7 @@ private Q_SLOTS:
     void propertiesAreNotPolished();
     void theInnerGroupStaysBehind();
     void theWidgetMayGoInAClick();
+    void aButtonOutlivesTheRowThatItsClickDeletes();
     void keysWalkTheRow();
     void buttonsAreHeard();
 };
@@ -447,6 +448,23 @@ void tst_UtilsButtonGroup::theWidgetMayGoInAClick()
     QTest::mouseClick(buttonOf(*group, QStringLiteral("A")), Qt::LeftButton);
     runDeletions();
     QVERIFY(!group);
+}
+
+void tst_UtilsButtonGroup::aButtonOutlivesTheRowThatItsClickDeletes()
+{
+    auto *group = new UtilsButtonGroup(nullptr);
+    group->addButton(QStringLiteral("A"), 0);
+    group->show();
+    const QPointer<QToolButton> button = buttonOf(*group, QStringLiteral("A"));
+    bool buttonLives = false;
+    connect(group, &UtilsButtonGroup::signalButtonClicked, qApp, [&] {
+        delete group;
+        buttonLives = button;
+    });
+    QTest::mouseClick(button, Qt::LeftButton);
+    QVERIFY(buttonLives); // QToolButton goes on with it
+    runDeletions();
+    QVERIFY(!button);
 }
 
 void tst_UtilsButtonGroup::keysWalkTheRow()
