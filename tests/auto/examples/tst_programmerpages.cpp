@@ -13,7 +13,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
-#include <QSettings>
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QTableWidget>
@@ -28,7 +27,6 @@ class tst_ProgrammerPages : public UniProgTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void theOptionsReachTheTarget();
     void anUnknownOptionValueIsKept();
     void theDeviceSignalsWhenItIsLookedFor();
@@ -49,9 +47,6 @@ private Q_SLOTS:
     void aCaptureThatFailsEnds();
     void aCaptureThatCannotStartIsExplained();
     void faultsAreAddedAndForgotten();
-
-private:
-    QTemporaryDir settings;
 };
 
 namespace {
@@ -59,11 +54,6 @@ namespace {
 constexpr int LongWait = ProgrammerApplication::LongWait;
 
 } // namespace
-
-void tst_ProgrammerPages::initTestCase()
-{
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path()); // no trace in the user's own
-}
 
 void tst_ProgrammerPages::theOptionsReachTheTarget()
 {

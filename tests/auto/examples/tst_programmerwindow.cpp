@@ -12,7 +12,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
-#include <QSettings>
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -28,7 +27,6 @@ class tst_ProgrammerWindow : public UniProgTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void withoutAnImageNothingCanBeWrittenOrVerified();
     void everyButtonRunsItsOperationUnderADialog_data();
     void everyButtonRunsItsOperationUnderADialog();
@@ -42,9 +40,6 @@ private Q_SLOTS:
     void theThemeChangesAtRunTime();
     void aBadFileIsSaid();
     void theWindowMayGoWhileAnOperationHangs();
-
-private:
-    QTemporaryDir settings;
 };
 
 namespace {
@@ -52,11 +47,6 @@ namespace {
 constexpr int LongWait = ProgrammerApplication::LongWait;
 
 } // namespace
-
-void tst_ProgrammerWindow::initTestCase()
-{
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path()); // no trace in the user's own
-}
 
 void tst_ProgrammerWindow::withoutAnImageNothingCanBeWrittenOrVerified()
 {
