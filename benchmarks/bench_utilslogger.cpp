@@ -27,6 +27,7 @@
 namespace {
 
 constexpr int LineLimit = 1000;
+constexpr int NoLimit = 0;
 constexpr int NoAnimation = 0;
 constexpr int Reveal = 250; // ms, as in the processing dialog
 constexpr QSize PaneSize(350, 105); // as in the processing dialog
@@ -45,9 +46,9 @@ bool lastRowHas(const QListWidget *list, const QString &text)
     return line && line->getText() == text;
 }
 
-Pane makeLogger(int duration)
+Pane makeLogger(int duration, int limit)
 {
-    auto logger = std::make_unique<UtilsLogger>(nullptr, duration, LineLimit);
+    auto logger = std::make_unique<UtilsLogger>(nullptr, duration, limit);
     UtilsLogger *pane = logger.get();
     const auto *list = pane->findChild<QListWidget *>();
     const auto lastText = std::make_shared<QString>();
@@ -61,12 +62,22 @@ Pane makeLogger(int duration)
 
 Pane makePlainLogger()
 {
-    return makeLogger(NoAnimation);
+    return makeLogger(NoAnimation, LineLimit);
 }
 
 Pane makeAnimatedLogger()
 {
-    return makeLogger(Reveal);
+    return makeLogger(Reveal, LineLimit);
+}
+
+Pane makeEndlessLogger()
+{
+    return makeLogger(NoAnimation, NoLimit);
+}
+
+Pane makeAnimatedEndlessLogger()
+{
+    return makeLogger(Reveal, NoLimit);
 }
 
 // The same rows, limit and view of the end, in the way a QListWidget offers itself.
@@ -208,6 +219,8 @@ void manyLines(benchmark::internal::Benchmark *work)
 
 BENCHMARK_CAPTURE(burst, UtilsLogger, makePlainLogger)->Apply(manyLines);
 BENCHMARK_CAPTURE(burst, UtilsLogger_animated, makeAnimatedLogger)->Apply(manyLines);
+BENCHMARK_CAPTURE(burst, UtilsLogger_without_limit, makeEndlessLogger)->Apply(manyLines);
+BENCHMARK_CAPTURE(burst, UtilsLogger_without_limit_animated, makeAnimatedEndlessLogger)->Apply(manyLines);
 BENCHMARK_CAPTURE(burst, QListWidget, makeListWidget)->Apply(fewLines); // 100,000 take minutes
 BENCHMARK_CAPTURE(burst, QPlainTextEdit, makePlainTextEdit)->Apply(manyLines);
 BENCHMARK_CAPTURE(queued, UtilsLogger, makePlainLogger)->Apply(manyLines);

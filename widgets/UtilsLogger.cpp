@@ -116,14 +116,14 @@ UtilsLoggerLine *UtilsLogger::addLine(QString text, LOGGER_MESSAGE_TYPE type)
 
 UtilsLoggerLine *UtilsLogger::fillRow(QListWidgetItem *row, const QString &text, LOGGER_MESSAGE_TYPE type, int duration)
 {
-    auto *line = new UtilsLoggerLine(this, duration, row);
+    auto *line = new UtilsLoggerListLine(this, duration, row);
     if (backgroundColor != QVariant(0))
         line->setProperty("background-color", backgroundColor);
     allAnimationsCompleted = false;
     line->setSequentAnimation(lineAnimationQueue);
     line->setType(type);
     line->setText(text);
-    listWidget->setLineWidget(row, line);
+    listWidget->setLine(row, line);
     return line;
 }
 
@@ -196,14 +196,18 @@ void UtilsLogger::completeWaitingLine()
         row = listWidget->item(emptyRows.takeFirst().row());
         if (!row) // someone took it out of the list, and with it the line
             return;
-        row->setHidden(waiting.animationDuration > 0);
     } else {
+        listWidget->rowsChange();
         --leavingRows;
         takeOldestLine();
         row = newLoggerRow();
         listWidget->addItem(row);
     }
+    const bool wasHidden = row->isHidden();
+    row->setHidden(waiting.animationDuration > 0);
     lastLine = fillRow(row, waiting.texts.constFirst(), waiting.type, waiting.animationDuration);
+    if (row->isHidden() != wasHidden) // by its reveal, which may have begun
+        listWidget->rowsChange();
     for (qsizetype i = 1; i < waiting.texts.size(); ++i)
         lastLine->appendText(waiting.texts.at(i));
 }
@@ -218,10 +222,12 @@ void UtilsLogger::completeWaitingLines() const
 void UtilsLogger::continueBurst()
 {
     linesInThisTurn = 0;
+    listWidget->beginFilling();
     QElapsedTimer clock;
     clock.start();
     while (!waitingLines.isEmpty() && !clock.hasExpired(BurstSlice))
         completeWaitingLine();
+    listWidget->endFilling();
     if (!waitingLines.isEmpty())
         nextTurn->start();
     else if (completionIsOwed && lineAnimationQueue->NumberOfWaitingAnimations() == 0)

@@ -1,7 +1,5 @@
 #include "UtilsLoggerList_p.h"
 
-#include <QLayout>
-
 #include <utility>
 
 UtilsLoggerList::UtilsLoggerList(QWidget *parent)
@@ -10,20 +8,43 @@ UtilsLoggerList::UtilsLoggerList(QWidget *parent)
 
 UtilsLoggerList::~UtilsLoggerList() = default;
 
-void UtilsLoggerList::setLineWidget(QListWidgetItem *item, QWidget *widget)
+void UtilsLoggerListLine::setVisible(bool visible)
 {
-    // The base class shows the widget, and its layout would measure the text for that: the dearest part of a line.
-    widget->layout()->setEnabled(false);
-    setItemWidget(item, widget);
-    widget->hide(); // it has no place yet
-    widget->layout()->setEnabled(true);
+    if (isInList || !visible)
+        UtilsLoggerLine::setVisible(visible);
+}
+
+void UtilsLoggerList::setLine(QListWidgetItem *item, UtilsLoggerListLine *line)
+{
+    setItemWidget(item, line);
+    line->hide(); // else it would show with the list, wherever it is
+    line->isInList = true;
+}
+
+void UtilsLoggerList::beginFilling()
+{
+    executeDelayedItemsLayout();
+    rowsKeepTheirPlaces = true;
+}
+
+void UtilsLoggerList::rowsChange()
+{
+    rowsKeepTheirPlaces = false;
+}
+
+void UtilsLoggerList::endFilling()
+{
+    executeDelayedItemsLayout();
+    rowsKeepTheirPlaces = false;
 }
 
 void UtilsLoggerList::doItemsLayout()
 {
-    layingOut = true;
-    QListWidget::doItemsLayout();
-    layingOut = false;
+    if (!rowsKeepTheirPlaces) {
+        layingOut = true;
+        QListWidget::doItemsLayout();
+        layingOut = false;
+    }
     placeWidgetsInSight();
 }
 

@@ -100,6 +100,8 @@ private Q_SLOTS:
     void theLoggerMayBeHiddenWhileLinesWait();
     void aRowThatIsTakenOutTakesItsWaitingLineAlong();
     void theViewFollowsABurst();
+    void theViewFollowsARevealThatBeginsInABurst_data();
+    void theViewFollowsARevealThatBeginsInABurst();
 };
 
 void tst_UtilsLogger_burst::theEventLoopGoesOnDuringABurst_data()
@@ -519,6 +521,39 @@ void tst_UtilsLogger_burst::theViewFollowsABurst()
         QVERIFY(bar->maximum() > 0);
         QCOMPARE(bar->value(), bar->maximum());
     }
+}
+
+void tst_UtilsLogger_burst::theViewFollowsARevealThatBeginsInABurst_data()
+{
+    QTest::addColumn<int>("limit");
+    QTest::newRow("in a row of its own") << 0;
+    QTest::newRow("in the place of another line") << 100;
+}
+
+void tst_UtilsLogger_burst::theViewFollowsARevealThatBeginsInABurst()
+{
+    QFETCH(int, limit);
+    UtilsLogger logger(nullptr, 0, limit);
+    logger.resize(200, 100);
+    layOut(logger);
+    addLines(logger, 100);
+    QCoreApplication::processEvents();
+    const QListWidget *list = listOf(logger);
+    const QScrollBar *bar = list->verticalScrollBar();
+    QTRY_COMPARE(bar->value(), bar->maximum());
+
+    addLines(logger, 100);
+    logger.setLineAnimationDuration(Endless);
+    logger.addMessage("revealed", LOGGER_MESSAGE_DEFAULT);
+    logger.addMessage("hidden", LOGGER_MESSAGE_DEFAULT);
+    QTRY_COMPARE(lastText(logger), "hidden");
+    const int rows = list->count();
+    QVERIFY(list->item(rows - 1)->isHidden());
+    const QWidget *revealed = list->itemWidget(list->item(rows - 2));
+    QTRY_VERIFY(revealed->isVisible());
+    QCOMPARE(revealed->geometry(), list->visualItemRect(list->item(rows - 2)));
+    QVERIFY(list->viewport()->rect().contains(revealed->geometry()));
+    QCOMPARE(bar->value(), bar->maximum());
 }
 
 UNIPROG_TEST_MAIN(tst_UtilsLogger_burst)
