@@ -27,12 +27,14 @@ bool SimulatedFlash::isValid(const QList<FlashRegion> &regions)
     QList<FlashRegion> sorted = regions;
     std::sort(sorted.begin(), sorted.end(), [](const FlashRegion &a, const FlashRegion &b) { return a.base < b.base; });
     qint64 end = 0;
+    qint64 size = 0;
     for (const FlashRegion &region : std::as_const(sorted)) {
         if (region.size == 0 || region.sectorSize == 0 || region.size % region.sectorSize != 0 || region.base < end)
             return false;
         end = endOf(region);
+        size += region.size;
     }
-    return end <= AddressSpace;
+    return end <= AddressSpace && size <= SimulatedProgrammer::LargestFlash;
 }
 
 const SimulatedFlash::Region *SimulatedFlash::find(qint64 address) const

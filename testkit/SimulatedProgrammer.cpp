@@ -18,6 +18,7 @@ constexpr quint32 BootloaderDeviceId = 0x1002;
 constexpr quint16 BootloaderVersion = 0x0100;
 
 constexpr float DefaultSupply = 3.3F;
+constexpr float HighestExternalSupply = 60.0F; // a reading has 16 bits for millivolts
 
 TSelectedDevice defaultDevice(TSelectedDevice::Link link)
 {
@@ -450,7 +451,7 @@ void SimulatedProgrammer::setSwoStream(const QByteArray &bytes, bool endless)
 void SimulatedProgrammer::setExternalSupply(float volts)
 {
     const std::lock_guard<std::mutex> lock(state->mutex);
-    if (volts >= 0.0F)
+    if (volts >= 0.0F && volts <= HighestExternalSupply)
         state->externalSupply = volts;
 }
 

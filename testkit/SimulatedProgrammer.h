@@ -162,6 +162,7 @@ public:
         quint32 sectorSize = 0;
     };
 
+    static constexpr qint64 LargestFlash = 64 * 1024 * 1024; ///< bytes of all regions together
     static constexpr int ProgramBlockSize = 256; ///< bytes of target memory moved at a time
     static constexpr int BootloaderBlockSize = 992; ///< the only length a bootloader writes
     static constexpr int BootloaderSectorSize = 4096;
@@ -254,7 +255,8 @@ public:
     /// 256 KiB at 0 in sectors of 1 KiB, and a page of 256 bytes at 0x10001000: a small Cortex-M0.
     static QList<FlashRegion> defaultFlashRegions();
     /// Puts in another target, blank. False, and nothing changes, while an operation runs, and when a region is empty,
-    /// overlaps another, reaches past the 32-bit address space, or is no multiple of its sectors.
+    /// overlaps another, reaches past the 32-bit address space, or is no multiple of its sectors, and when they are
+    /// larger than LargestFlash together.
     bool setFlashRegions(const QList<FlashRegion> &regions);
 
     /// All of the target's memory: one segment per region, fewer where regions touch.
@@ -286,7 +288,7 @@ public:
 
     // --- The power module -------------------------------------------------------------------------------------------
 
-    /// Supplies the target from outside; 0 ends it. Values below 0 and what is not a number are ignored.
+    /// Supplies the target from outside; 0 ends it. Values outside 0 to 60 V and what is not a number are ignored.
     void setExternalSupply(float volts);
     void setPowerInfo(const TPowerInfo &info);
     /// False for a channel there is not.

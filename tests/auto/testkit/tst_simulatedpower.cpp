@@ -103,6 +103,8 @@ void tst_SimulatedPower::theSupplyPinIsMeasured()
 
     programmer.setExternalSupply(5.0F);
     programmer.setExternalSupply(-1.0F);
+    programmer.setExternalSupply(60.1F);
+    programmer.setExternalSupply(std::numeric_limits<float>::infinity());
     programmer.setExternalSupply(std::numeric_limits<float>::quiet_NaN());
     QCOMPARE(programmer.PowerGetSupplyState(&supply), 0);
     QCOMPARE(supply.state, 1);

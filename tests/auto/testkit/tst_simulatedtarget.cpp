@@ -286,6 +286,10 @@ void tst_SimulatedTarget::regionsAreChecked_data()
     QTest::newRow("one") << Regions{{0x08000000, 0x1000, 0x100}} << true;
     QTest::newRow("up to the last address") << Regions{{0xFFFFFF00, 0x100, 0x100}} << true;
     QTest::newRow("past the last address") << Regions{{0xFFFFFF00, 0x200, 0x100}} << false;
+    constexpr quint32 Half = SimulatedProgrammer::LargestFlash / 2;
+    QTest::newRow("the largest ones") << Regions{{0, Half, Half}, {0x80000000, Half, Half}} << true;
+    QTest::newRow("too large together") << Regions{{0, Half, Half}, {0x80000000, Half, Half}, {Half, 4, 4}} << false;
+    QTest::newRow("too large") << Regions{{0, 0x80000000, 0x80000000}} << false;
     QTest::newRow("no size") << Regions{{0, 0, 0x100}} << false;
     QTest::newRow("no sectors") << Regions{{0, 0x100, 0}} << false;
     QTest::newRow("half a sector") << Regions{{0, 0x180, 0x100}} << false;
