@@ -168,7 +168,8 @@ int UtilsSidebarItem::addChild(const QString &caption, int row)
 
     // Not the button's own height: the next layout of the list gives it that of its row.
     m_childrenHeight += ChildButtonHeight;
-    if (targetHeight() != 0)
+    // A list that folds because its last button has gone opens again; one whose section was closed does not.
+    if (targetHeight() != 0 || (m_childList->maximumHeight() != 0 && m_mainButton->isChecked()))
         animateHeight(m_childrenHeight);
 
     ++m_childCount;

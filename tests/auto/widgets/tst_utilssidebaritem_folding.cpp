@@ -28,6 +28,7 @@ private Q_SLOTS:
     void aChildOfASelectedSectionStaysHidden();
     void aRemovedChildShrinksTheList();
     void theLastChildMayBeRemovedWhileOpen();
+    void theChildrenOfAnOpenSectionMayBeExchanged();
     void theSectionMayDieWhileItOpens();
 };
 
@@ -230,6 +231,26 @@ void tst_UtilsSidebarItem_folding::theLastChildMayBeRemovedWhileOpen()
     QTRY_COMPARE(section.height(), 30);
     section.item->reset();
     QVERIFY(!section.childAt(0)->isChecked());
+}
+
+void tst_UtilsSidebarItem_folding::theChildrenOfAnOpenSectionMayBeExchanged()
+{
+    Section section(2);
+    section.item->checkChild(1);
+    QTRY_COMPARE(section.height(), 60);
+    section.item->removeChild(1);
+    section.item->removeChild(2);
+    section.item->addChild("new", 0);
+    section.item->addChild("newer", 1);
+    QTRY_COMPARE(section.height(), 60);
+
+    section.item->removeChild(3);
+    section.item->removeChild(4);
+    QTRY_VERIFY(section.height() < 60);
+    section.item->addChild("newest", 0);
+    QTRY_COMPARE(section.height(), 30);
+    settle();
+    QCOMPARE(section.height(), 30);
 }
 
 void tst_UtilsSidebarItem_folding::theSectionMayDieWhileItOpens()
