@@ -88,7 +88,8 @@ void UtilsFade::addFade(int duration, double from, double to, const char *slot)
     animations.append(animation);
 
     // The queue's slot stands before the receiver's: the next fade has started when the receiver hears of this one.
+    const QPointer<QObject> slotOwner = receiver; // who hears of the opacity may delete this object in the first step
     queue->AddAnimation(animation);
-    if (animation && receiver && slot)
-        connect(animation, SIGNAL(finished()), receiver, slot);
+    if (animation && slotOwner && slot)
+        connect(animation, SIGNAL(finished()), slotOwner, slot);
 }

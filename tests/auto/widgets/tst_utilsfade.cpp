@@ -78,6 +78,7 @@ private Q_SLOTS:
     void anAccidentEndsTheFade();
     void theReceiverMayDieFirst();
     void theReceiverMayDeleteTheFade();
+    void aFadeMayBeDeletedInItsFirstStep();
     void aSecondFadeOfTheWidgetEndsTheFirst();
     void aFadeWithoutWidgetEndsAtOnce();
 };
@@ -351,6 +352,18 @@ void tst_UtilsFade::theReceiverMayDeleteTheFade()
         QTRY_VERIFY(!deleter.victim);
         QCOMPARE(opacityEffect(widget)->opacity(), 0.0);
     }
+}
+
+void tst_UtilsFade::aFadeMayBeDeletedInItsFirstStep()
+{
+    QWidget widget;
+    Receiver receiver(&widget);
+    auto *fade = new UtilsFade(&widget, &receiver, Short, Short);
+    const QPointer<UtilsFade> guard(fade);
+    connect(opacityEffect(widget), &QGraphicsOpacityEffect::opacityChanged, this, [&guard] { delete guard; });
+    fade->In(SLOT(slotFadeInFinished()));
+    QVERIFY(!guard);
+    QTRY_COMPARE(receiver.log, QStringList("in 1")); // the running one goes on
 }
 
 void tst_UtilsFade::aSecondFadeOfTheWidgetEndsTheFirst()
