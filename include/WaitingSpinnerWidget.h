@@ -31,6 +31,8 @@ class UNIPROGUTILS_EXPORT WaitingSpinnerWidget : public QWidget
     Q_PROPERTY(QColor color READ color WRITE setColor)
 
 public:
+    static constexpr int LargestNumberOfLines = 1000; ///< beyond what can be told apart, and drawn in every frame
+
     /// A spinner inside \a parent. \a centred: it keeps itself in the middle of its parent. \a disablesParent: the
     /// parent is disabled from start() to stop().
     WaitingSpinnerWidget(QWidget *parent, bool centred, bool disablesParent);
@@ -54,7 +56,8 @@ public:
     /// Default: 1. A ring with 0 or less does not turn. The getter keeps the spelling that applications know.
     void setRevolutionsPerSecond(double revolutions);
     double revolutionsPersSecond() const;
-    /// Default: 11. The opaque bar starts anew. 0 or less leaves no bar, only the countdown.
+    /// Default: 11. The opaque bar starts anew. 0 or less leaves no bar, only the countdown; more than
+    /// LargestNumberOfLines are as many as that.
     void setNumberOfLines(int lines);
     /// The length of a bar in pixels, default 10. The spinner's size is fixed to 2 x (inner radius + line length).
     void setLineLength(int length);

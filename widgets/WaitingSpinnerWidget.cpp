@@ -26,6 +26,7 @@ constexpr double ShortestInterval = 1.0; // milliseconds; a timer of 0 would lea
 constexpr double LongestInterval = std::numeric_limits<int>::max();
 constexpr int CountdownInterval = 1000;
 constexpr int CountdownPointSize = 8;
+constexpr qint64 LargestSide = QWIDGETSIZE_MAX - 1; // pixels; the maximum itself fixes nothing
 constexpr double FullCircle = 360.0; // degrees
 constexpr double Percent = 100.0;
 
@@ -188,7 +189,7 @@ double WaitingSpinnerWidget::revolutionsPersSecond() const
 
 void WaitingSpinnerWidget::setNumberOfLines(int lines)
 {
-    m_numberOfLines = qMax(0, lines);
+    m_numberOfLines = qBound(0, lines, LargestNumberOfLines);
     m_currentCounter = 0;
     updateTimer();
     update();
@@ -333,8 +334,9 @@ void WaitingSpinnerWidget::updateCountdown()
 
 void WaitingSpinnerWidget::updateSize()
 {
-    const int side = qMax(0, 2 * (m_innerRadius + m_lineLength));
-    setFixedSize(side, side);
+    const qint64 side = 2 * (qint64(m_innerRadius) + m_lineLength);
+    const int bounded = int(qBound(qint64(0), side, LargestSide));
+    setFixedSize(bounded, bounded);
     update();
 }
 
@@ -377,12 +379,13 @@ void WaitingSpinnerWidget::paintLine(QPainter *painter, int line)
 {
     const int distance = lineCountDistanceFromPrimary(line, m_currentCounter, m_numberOfLines);
     painter->save();
-    painter->translate(m_innerRadius + m_lineLength, m_innerRadius + m_lineLength);
+    const double centre = double(m_innerRadius) + m_lineLength;
+    painter->translate(centre, centre);
     painter->rotate(FullCircle * line / m_numberOfLines);
     painter->translate(m_innerRadius, 0);
     painter->setBrush(
         currentLineColor(distance, m_numberOfLines, m_trailFadePercentage, m_minimumTrailOpacity, m_color));
-    painter->drawRoundedRect(QRect(0, -m_lineWidth / 2, m_lineLength, m_lineWidth), m_roundness, m_roundness,
+    painter->drawRoundedRect(QRect(0, -(m_lineWidth / 2), m_lineLength, m_lineWidth), m_roundness, m_roundness,
                              Qt::RelativeSize);
     painter->restore();
 }

@@ -9,6 +9,8 @@
 
 using namespace SpinnerTest;
 
+static constexpr qint64 LargestSide = QWIDGETSIZE_MAX - 1;
+
 class tst_WaitingSpinnerWidget : public UniProgTest
 {
     Q_OBJECT
@@ -24,6 +26,8 @@ private Q_SLOTS:
     void aStyleSheetMaySetTheColour();
     void theSizeFollowsTheLines_data();
     void theSizeFollowsTheLines();
+    void aSpinnerHasTheLargestSizeAtMost();
+    void moreLinesThanTheLargestNumberAreAsManyAsThat();
     void theIntervalIsThatOfAStep_data();
     void theIntervalIsThatOfAStep();
 
@@ -183,6 +187,8 @@ void tst_WaitingSpinnerWidget::theSizeFollowsTheLines_data()
     QTest::newRow("a star") << 7 << 2 << 0 << 14;
     QTest::newRow("nothing") << 0 << 0 << 0 << 0;
     QTest::newRow("below nothing") << -20 << -3 << 5 << 0;
+    QTest::newRow("the least") << INT_MIN << INT_MIN << INT_MIN << 0;
+    QTest::newRow("opposites") << INT_MAX << INT_MIN << -INT_MAX << 0;
 }
 
 void tst_WaitingSpinnerWidget::theSizeFollowsTheLines()
@@ -193,7 +199,7 @@ void tst_WaitingSpinnerWidget::theSizeFollowsTheLines()
     QFETCH(int, side);
     WaitingSpinnerWidget spinner(nullptr, false, false);
     spinner.setLineLength(length);
-    QCOMPARE(spinner.width(), qMax(0, 2 * (10 + length)));
+    QCOMPARE(spinner.width(), int(qBound(qint64(0), 2 * (10 + qint64(length)), LargestSide)));
     spinner.setInnerRadius(radius);
     spinner.setMinimumSize(0, 0);
     spinner.setMaximumSize(500, 500);
@@ -205,6 +211,31 @@ void tst_WaitingSpinnerWidget::theSizeFollowsTheLines()
     QCOMPARE(spinner.innerRadius(), radius);
     if (side > 0)
         imageOf(spinner);
+}
+
+void tst_WaitingSpinnerWidget::aSpinnerHasTheLargestSizeAtMost()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    spinner.setLineLength(INT_MAX);
+    QCOMPARE(spinner.size(), QSize(int(LargestSide), int(LargestSide)));
+    spinner.setInnerRadius(INT_MAX);
+    QCOMPARE(spinner.size(), QSize(int(LargestSide), int(LargestSide)));
+    QCOMPARE(spinner.lineLength(), INT_MAX);
+    QCOMPARE(spinner.innerRadius(), INT_MAX);
+    spinner.setLineWidth(INT_MAX);
+    QImage image(10, 10, QImage::Format_ARGB32_Premultiplied);
+    spinner.render(&image); // far outside, but defined
+}
+
+void tst_WaitingSpinnerWidget::moreLinesThanTheLargestNumberAreAsManyAsThat()
+{
+    WaitingSpinnerWidget spinner(nullptr, false, false);
+    WaitingSpinnerWidget largest(nullptr, false, false);
+    spinner.setNumberOfLines(INT_MAX);
+    largest.setNumberOfLines(WaitingSpinnerWidget::LargestNumberOfLines);
+    QCOMPARE(imageOf(spinner), imageOf(largest));
+    largest.setNumberOfLines(WaitingSpinnerWidget::LargestNumberOfLines - 1);
+    QVERIFY(imageOf(spinner) != imageOf(largest));
 }
 
 void tst_WaitingSpinnerWidget::theIntervalIsThatOfAStep_data()
