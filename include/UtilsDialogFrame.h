@@ -62,16 +62,17 @@ public:
 
     /// Hiding deletes later, as said above; a frame that was hidden is not shown again.
     void setVisible(bool visible) override;
-    /// The first call ends the frame, whether it was shown or not, with the signals of QDialog and
-    /// signalDialogClosed(). Further ones do nothing.
+    /// The first call ends the frame, whether it was shown or not, with the signals of QDialog and, for the results of
+    /// accept() and reject(), signalDialogClosed(). Further ones do nothing.
     void done(int result) override;
     /// As QDialog::exec(). The frame is gone when it returns; do not delete it.
     int exec() override;
 
 Q_SIGNALS:
     /// The frame was accepted or rejected, and the covered window is active again: once for a button, a key, accept()
-    /// and reject(). close() rejects a visible frame and announces its own end as well, which makes two. Not emitted
-    /// by hide(), by done() with another result than those of accept() and reject(), or when the parent dies.
+    /// and reject(). close() rejects a visible frame and announces its own end as well, which makes two; it is
+    /// refused, without a signal, when a subclass has a reject() that keeps the frame. Not emitted by hide(), by done()
+    /// with another result than those of accept() and reject(), or when the parent dies.
     void signalDialogClosed();
 
 public Q_SLOTS:

@@ -14,8 +14,9 @@ class QLabel;
 /// \image html cover.png
 ///
 /// Unlike UtilsDialogFrame it is neither modal nor a window, and it is used again and again with show() and hide(). It
-/// always has the size of the parent it was created with, shown or not. It lies above the children that its parent had
-/// when it was created; raise() it above later ones. The keyboard still reaches what is below.
+/// has the size of the parent it was created with, shown or not, from its first show or that parent's next resize on.
+/// It lies above the children that its parent had when it was created; raise() it above later ones. The keyboard still
+/// reaches what is below.
 ///
 /// GUI thread only; owned by its Qt parent.
 ///

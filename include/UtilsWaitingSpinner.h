@@ -13,7 +13,8 @@ class WaitingSpinnerWidget;
 ///
 /// \image html dialogs-waiting.png
 ///
-/// Thread: GUI thread only. Ownership: create it with new. It stays until its owner closes it, which deletes it later.
+/// Thread: GUI thread only. Ownership: create it with new. It stays until its owner closes it,
+/// or the user by way of the window system (Alt+F4), which deletes it later.
 ///
 ///     QPointer<UtilsWaitingSpinner> waiting = new UtilsWaitingSpinner(window, tr("Starting the WiFi server..."));
 ///     waiting->setCountdown(30);

@@ -1,3 +1,6 @@
+// QApplication::setActiveWindow() is deprecated from Qt 6.5 on; until Qt 7 nothing else makes a window active at once.
+#undef QT_DISABLE_DEPRECATED_BEFORE
+
 #include "UtilsDialogFrame.h"
 
 #include "UtilsFade.h"
@@ -29,9 +32,10 @@ static constexpr int StyleMargin = -1; // what the style gives
 static void makeActive(QWidget *window)
 {
     window->activateWindow();
-#if QT_VERSION < QT_VERSION_CHECK(6, 5, 0)
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
     QApplication::setActiveWindow(window);
-#endif
+    QT_WARNING_POP
 }
 
 UtilsDialogFrame::UtilsDialogFrame(QWidget *parent)
@@ -369,9 +373,12 @@ void UtilsDialogFrame::showEvent(QShowEvent *event)
 void UtilsDialogFrame::closeEvent(QCloseEvent *event)
 {
     const QPointer<UtilsDialogFrame> self(this);
+    const bool wasVisible = isVisible();
     QDialog::closeEvent(event); // rejects a visible frame, with signalDialogClosed()
     if (!self)
         return;
+    if (wasVisible && !m_isUsedUp)
+        return; // a subclass does not let itself be rejected now, and the event is ignored
     hide(); // a frame that was never shown goes as well
     event->accept(); // QDialog refuses while the frame is seen, and with it the application could not quit
     slotDialogIsClosing();

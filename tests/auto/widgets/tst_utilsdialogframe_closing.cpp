@@ -27,6 +27,7 @@ private Q_SLOTS:
     void execReturnsTheResult();
     void execOnAUsedFrameReturnsAtOnce();
 
+    void aSubclassMayRefuseToBeClosed();
     void closingActivatesTheCoveredWindow();
     void theCoveredWindowMayDieFirst();
     void theParentOfADeadWindowTakesItsPlace();
@@ -258,6 +259,34 @@ void tst_UtilsDialogFrame_closing::execOnAUsedFrameReturnsAtOnce()
     frame->accept();
     QCOMPARE(frame->exec(), int(QDialog::Accepted));
     QVERIFY(!frame->isVisible());
+}
+
+void tst_UtilsDialogFrame_closing::aSubclassMayRefuseToBeClosed()
+{
+    class Busy : public UtilsDialogFrame
+    {
+    public:
+        bool isBusy = true;
+        void reject() override
+        {
+            if (!isBusy)
+                UtilsDialogFrame::reject();
+        }
+    };
+    const QPointer<Busy> frame(new Busy);
+    QSignalSpy closed(frame, &UtilsDialogFrame::signalDialogClosed);
+    frame->show();
+    QVERIFY(!frame->close());
+    turnTheEventLoop();
+    QVERIFY(frame);
+    QVERIFY(frame->isVisible());
+    QVERIFY(frame->getCancelButton()->isEnabled());
+    QCOMPARE(closed.count(), 0);
+
+    frame->isBusy = false;
+    QVERIFY(frame->close());
+    QCOMPARE(closed.count(), 2);
+    QTRY_VERIFY(!frame);
 }
 
 void tst_UtilsDialogFrame_closing::closingActivatesTheCoveredWindow()
