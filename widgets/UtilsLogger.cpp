@@ -361,14 +361,15 @@ bool UtilsLogger::eventFilter(QObject *watched, QEvent *event)
 
     const int current = listWidget->currentRow();
     const int last = listWidget->count() - 1;
+    QScrollBar *bar = listWidget->verticalScrollBar(); // an application may have given the list another one
     switch (static_cast<QKeyEvent *>(event)->key()) {
     case Qt::Key_Home:
         listWidget->setCurrentRow(0);
-        verticalScrollBar->setValue(0);
+        bar->setValue(0);
         return true;
     case Qt::Key_End:
         listWidget->setCurrentRow(last);
-        verticalScrollBar->setValue(verticalScrollBar->maximum());
+        bar->setValue(bar->maximum());
         return true;
     case Qt::Key_Up:
         listWidget->setCurrentRow(current < 1 ? current : current - 1);

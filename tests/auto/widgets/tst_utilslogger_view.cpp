@@ -34,6 +34,7 @@ private Q_SLOTS:
     void keysMoveTheCurrentRow_data();
     void keysMoveTheCurrentRow();
     void homeAndEndMoveTheScrollBar();
+    void homeAndEndMoveTheScrollBarOfTheApplication();
     void otherKeysAndWidgetsAreNotConsumed();
 
     void copySelectedTakesTheCurrentLine();
@@ -303,6 +304,22 @@ void tst_UtilsLogger_view::homeAndEndMoveTheScrollBar()
     QTest::keyClick(list, Qt::Key_Down);
     QCOMPARE(list->currentRow(), 29);
     QCOMPARE(bar->value(), 5); // unchanged, although the row is out of sight
+}
+
+void tst_UtilsLogger_view::homeAndEndMoveTheScrollBarOfTheApplication()
+{
+    UtilsLogger logger(nullptr, 0);
+    logger.resize(200, 100);
+    QListWidget *list = listOf(logger);
+    auto *bar = new QScrollBar;
+    list->setVerticalScrollBar(bar); // deletes the one it had
+    addLines(logger, 30);
+    layOut(logger);
+    QTRY_VERIFY(bar->maximum() > 5);
+    QTest::keyClick(list, Qt::Key_End);
+    QCOMPARE(bar->value(), bar->maximum());
+    QTest::keyClick(list, Qt::Key_Home);
+    QCOMPARE(bar->value(), 0);
 }
 
 void tst_UtilsLogger_view::otherKeysAndWidgetsAreNotConsumed()
