@@ -29,13 +29,15 @@ class QNetworkReply;
 /// reply still report a target, that is requested anew; a relative one fails. A server whose certificate has any error
 /// is not talked to. There is no time-out.
 ///
-/// GUI thread only (or the thread that owns the client). The client has no parent; its owner deletes it, which aborts
-/// what is running without a signal. Inside a receiver of its signal, use deleteLater().
+/// GUI thread only, or the thread that made the client, which is not to be moved. The client has no parent; its owner
+/// deletes it, which aborts what is running without a signal. Inside a receiver of its signal, use deleteLater().
 class UNIPROGUTILS_EXPORT UtilsHttpClient : public QObject
 {
     Q_OBJECT
 
 public:
+    static constexpr qint64 LargestBody = 256 * 1024 * 1024; ///< bytes; a server that sends more is not heard out
+
     UtilsHttpClient();
     ~UtilsHttpClient() override;
 
@@ -44,15 +46,17 @@ public:
     /// last one: all requests collect their bodies in one buffer, which this call clears.
     void SendUrlRequest(QString url);
 
-    /// The credentials for a server that asks for them, both empty at the start. They are given to every challenge;
-    /// wrong ones end the request, unless the server names another realm with each challenge and never stops asking.
+    /// The credentials for a server that asks for them, both empty at the start. They are given to every challenge,
+    /// also of a server that a redirection leads to, and Basic ones readable for all over plain HTTP. Wrong ones end
+    /// the request, unless the server names another realm, or calls its nonce stale, with each challenge and never
+    /// stops asking.
     void setUserName(const QString &name);
     void setUserPassword(const QString &password);
 
 Q_SIGNALS:
     /// The request has ended: true with the body, or false with an empty array after any error of the network, of TLS
-    /// or of HTTP (status 4xx and 5xx). Qt does not always notice that a body sent in chunks was cut off: where it
-    /// matters, check the content.
+    /// or of HTTP (status 4xx and 5xx), and for a body above LargestBody. Qt does not always notice that a body sent in
+    /// chunks was cut off: where it matters, check the content.
     void signalServerDownloadFinished(bool finishedStatus, QByteArray argsSrverResponse);
 
 private Q_SLOTS:

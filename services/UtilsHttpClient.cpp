@@ -19,9 +19,7 @@ UtilsHttpClient::UtilsHttpClient()
 
 UtilsHttpClient::~UtilsHttpClient()
 {
-    if (isReporting)
-        networkManager->deleteLater(); // it is in the middle of telling that a request has finished
-    else
+    if (!isReporting) // else the manager is in the middle of telling that a request has finished
         delete networkManager;
 }
 
@@ -29,8 +27,13 @@ void UtilsHttpClient::SendUrlRequest(QString url)
 {
     responseData.clear();
     const QUrl target(url, QUrl::TolerantMode);
-    if (target.isValid())
-        networkManager->get(QNetworkRequest(target));
+    if (!target.isValid())
+        return;
+    QNetworkReply *reply = networkManager->get(QNetworkRequest(target));
+    connect(reply, &QIODevice::readyRead, reply, [reply] {
+        if (reply->bytesAvailable() > LargestBody)
+            reply->abort();
+    });
 }
 
 void UtilsHttpClient::setUserName(const QString &name)
@@ -59,10 +62,13 @@ void UtilsHttpClient::slotRequestFinished(QNetworkReply *reply)
     }
     reply->deleteLater();
     const QPointer<UtilsHttpClient> self(this);
+    QNetworkAccessManager *const manager = networkManager;
     const bool wasReporting = std::exchange(isReporting, true);
     Q_EMIT signalServerDownloadFinished(succeeded, responseData);
     if (self)
         isReporting = wasReporting;
+    else if (!wasReporting)
+        manager->deleteLater(); // not before: a receiver may run an event loop of its own, which would delete it there
 }
 
 void UtilsHttpClient::slotProvideAuthentication(QNetworkReply *reply, QAuthenticator *authenticator)

@@ -124,6 +124,13 @@ class Handler(http.server.BaseHTTPRequestHandler):
         for _ in range(BIG_BLOCKS):
             self.wfile.write(BIG_BLOCK)
 
+    def get_endless(self):
+        self.send_response(200)
+        self.end_headers()
+        self.close_connection = True
+        while True:
+            self.wfile.write(BIG_BLOCK)
+
     def get_stall(self):
         """Sends a piece, then nothing until the client goes away."""
         self.send_response(200)

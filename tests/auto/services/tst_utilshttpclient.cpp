@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QAuthenticator>
 #include <QCryptographicHash>
+#include <QEventLoop>
 #include <QMetaMethod>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -18,6 +19,7 @@
 #include <QStandardPaths>
 #include <QTcpServer>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <memory>
 
@@ -110,6 +112,8 @@ private Q_SLOTS:
     void aRunningRequestIsAbortedWithTheClient();
     void theClientMayBeDeletedLaterByAReceiver();
 
+    void theClientMayGoInAnEventLoopOfAReceiver_data();
+    void theClientMayGoInAnEventLoopOfAReceiver();
     void redirectionsOnTheWireAreFollowed_data();
     void redirectionsOnTheWireAreFollowed();
     void badRedirectionsOnTheWireEndWithNothing_data();
@@ -233,6 +237,7 @@ void tst_UtilsHttpClient::aFailedRequestEndsWithNothing_data()
     QTest::newRow("503") << QStringLiteral("/status/503");
     QTest::newRow("shorter than its length") << QStringLiteral("/cut-off");
     QTest::newRow("no HTTP") << QStringLiteral("/garbage");
+    QTest::newRow("larger than the largest") << QStringLiteral("/endless");
 }
 
 void tst_UtilsHttpClient::aFailedRequestEndsWithNothing()
@@ -331,6 +336,36 @@ void tst_UtilsHttpClient::theClientMayBeDeletedLaterByAReceiver()
     connect(client, &UtilsHttpClient::signalServerDownloadFinished, client, &QObject::deleteLater);
     client->SendUrlRequest(server->url(QStringLiteral("/body")));
     QTRY_VERIFY_WITH_TIMEOUT(!client, PatienceMs);
+}
+
+void tst_UtilsHttpClient::theClientMayGoInAnEventLoopOfAReceiver_data()
+{
+    QTest::addColumn<bool>("later");
+    QTest::newRow("deleted") << false;
+    QTest::newRow("deleted later") << true;
+}
+
+void tst_UtilsHttpClient::theClientMayGoInAnEventLoopOfAReceiver()
+{
+    QFETCH(bool, later);
+    const QPointer<UtilsHttpClient> client = new UtilsHttpClient;
+    bool receiverReturned = false;
+    connect(client, &UtilsHttpClient::signalServerDownloadFinished, this, [&] {
+        QTimer::singleShot(0, this, [client, later] {
+            if (later)
+                client->deleteLater();
+            else
+                delete client;
+        });
+        QEventLoop loop; // such as that of a message box
+        connect(client, &QObject::destroyed, &loop, &QEventLoop::quit, Qt::QueuedConnection);
+        loop.exec();
+        QVERIFY(!client);
+        receiverReturned = true;
+    });
+    client->SendUrlRequest(server->url(QStringLiteral("/body")));
+    QTRY_VERIFY_WITH_TIMEOUT(receiverReturned, PatienceMs);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 void tst_UtilsHttpClient::redirectionsOnTheWireAreFollowed_data()
