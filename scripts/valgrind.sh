@@ -11,13 +11,14 @@ if [ $# -eq 0 ]; then
     set -- "${tests[@]}"
 fi
 
+patience=3600000 # milliseconds for a test function
 results=build/dev/valgrind
 mkdir -p "$results"
 status=0
 for test in "$@"; do
     # Memcheck does not understand the machine code that regular expressions are made into.
     # The children are Qt's helpers and our own programs, which their own tests look at.
-    if QT_QPA_PLATFORM=offscreen QT_ENABLE_REGEXP_JIT=0 valgrind --quiet --error-exitcode=99 --leak-check=no --num-callers=30 \
+    if QT_QPA_PLATFORM=offscreen QT_ENABLE_REGEXP_JIT=0 QTEST_FUNCTION_TIMEOUT=$patience valgrind --quiet --error-exitcode=99 --leak-check=no --num-callers=30 \
         --suppressions=tests/valgrind.supp \
         --log-file="$results/$test.log" "build/dev/bin/$test" -o "$results/$test.txt,txt" >/dev/null 2>&1; then
         result=passed
