@@ -213,6 +213,7 @@ public Q_SLOTS:
     void SlotProcedureControlRelated();
 
 protected:
+    bool event(QEvent *event) override;
     void customEvent(QEvent *event) override;
 
 private:
@@ -302,11 +303,12 @@ private:
     TSelectedDevice selectedDevice{};
     bool useSelectedDevice = false;
 
-    mutable QMutex lifecycleMutex; ///< guards the five below
+    mutable QMutex lifecycleMutex; ///< guards the six below
     int openRequests = 0; ///< accepted, and their workers have not ended
     QList<const char *> waitingStarts; ///< frames of requests whose workers have not been started yet
     bool frameRunning = false; ///< from the start of a worker to the end of its procedure
     bool beingDestroyed = false;
+    bool deletionIsOwed = false; ///< a deleteLater() reached the object on a worker
     QList<QPointer<QThread>> workers; ///< the current one last; earlier ones until they are deleted
 };
 

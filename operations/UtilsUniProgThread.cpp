@@ -49,13 +49,6 @@ UtilsUniProgThread::UtilsUniProgThread(UniProgInterface *argUniProg, QThread *th
 
 UtilsUniProgThread::~UtilsUniProgThread()
 {
-    if (IsOnWorker()) {
-        // A deleteLater() reached the object while it lived here. Its end no longer reaches quit(), so ask for it; the
-        // worker deletes itself.
-        QThread::currentThread()->quit();
-        return;
-    }
-
     QMutexLocker locker(&lifecycleMutex);
     beingDestroyed = true;
     const bool idle = !frameRunning;
@@ -367,11 +360,30 @@ void UtilsUniProgThread::PostStart()
     QCoreApplication::postEvent(this, new QEvent(QEvent::User));
 }
 
+/// A deleteLater() may arrive on the worker, even in the middle of a procedure, whose driver may wait in an event loop
+/// of its own. The object goes home first: only there can it wait for all that its workers still do with it.
+bool UtilsUniProgThread::event(QEvent *event)
+{
+    if (event->type() != QEvent::DeferredDelete || !IsOnWorker())
+        return QObject::event(event);
+    const QMutexLocker locker(&lifecycleMutex);
+    deletionIsOwed = true;
+    if (!frameRunning)
+        QThread::currentThread()->quit();
+    return true;
+}
+
 /// Not looked at, so that nothing but the event itself crosses to the other thread: none but PostStart() sends one, and
 /// one too many does no harm.
 void UtilsUniProgThread::customEvent(QEvent *)
 {
-    StartNext();
+    QMutexLocker locker(&lifecycleMutex);
+    const bool ends = deletionIsOwed && QThread::currentThread() == homeThread;
+    locker.unlock();
+    if (ends)
+        delete this;
+    else
+        StartNext();
 }
 
 void UtilsUniProgThread::StartNext()
@@ -426,12 +438,12 @@ void UtilsUniProgThread::SlotProcedureFinished()
     // The news of an earlier worker, delivered late, must not take the object from the one it lives in now.
     if (QThread::currentThread() != thread() || (sender() && sender() != QThread::currentThread()))
         return;
-    moveToThread(homeThread);
-
+    // Before the move: from then on the next worker may be started at home, and this one is not to come after it.
     const QMutexLocker locker(&lifecycleMutex);
+    moveToThread(homeThread);
     openRequests = qMax(openRequests - 1, 0);
     procedureInProgress = openRequests > 0;
-    if (!waitingStarts.isEmpty())
+    if (deletionIsOwed || !waitingStarts.isEmpty())
         PostStart();
 }
 
@@ -516,7 +528,7 @@ void UtilsUniProgThread::LeaveWorker()
     const bool onWorker = IsOnWorker();
     const QMutexLocker locker(&lifecycleMutex);
     frameRunning = false;
-    if (onWorker && (beingDestroyed || !waitingStarts.isEmpty()))
+    if (onWorker && (beingDestroyed || deletionIsOwed || !waitingStarts.isEmpty()))
         QThread::currentThread()->quit();
 }
 

@@ -91,6 +91,7 @@ private Q_SLOTS:
     void deletionInEveryPhase_data();
     void deletionInEveryPhase();
     void deletionWhileWaitingForTheTurn();
+    void deletionDoesNotDisturbADriverThatWaitsInAnEventLoop_data();
     void deletionDoesNotDisturbADriverThatWaitsInAnEventLoop();
     void deletionBeforeTheHopHasArrived();
     void theDriverMayGoBeforeTheObject();
@@ -397,8 +398,31 @@ void tst_UtilsUniProgThread_lifecycle::deletionWhileWaitingForTheTurn()
     QCOMPARE(driver.interleavings(), QStringList());
 }
 
+void tst_UtilsUniProgThread_lifecycle::deletionDoesNotDisturbADriverThatWaitsInAnEventLoop_data()
+{
+    using Remove = std::function<void(UtilsUniProgThread *)>;
+    QTest::addColumn<Remove>("removeAtHome");
+    QTest::addColumn<Remove>("removeOnWorker");
+    const Remove nothing = [](UtilsUniProgThread *) {};
+    const Remove now = [](UtilsUniProgThread *thread) { delete thread; };
+    const Remove later = [](UtilsUniProgThread *thread) { thread->deleteLater(); };
+    const Remove laterThanARequest = [](UtilsUniProgThread *thread) {
+        thread->FindDevice();
+        thread->deleteLater();
+    };
+    QTest::newRow("delete") << now << nothing;
+    QTest::newRow("deleteLater") << later << nothing;
+    QTest::newRow("deleteLater on the worker") << nothing << later;
+    QTest::newRow("deleteLater on both") << later << later;
+    QTest::newRow("delete, and deleteLater on the worker") << now << later;
+    QTest::newRow("deleteLater after another request") << laterThanARequest << nothing;
+}
+
 void tst_UtilsUniProgThread_lifecycle::deletionDoesNotDisturbADriverThatWaitsInAnEventLoop()
 {
+    using Remove = std::function<void(UtilsUniProgThread *)>;
+    QFETCH(Remove, removeAtHome);
+    QFETCH(Remove, removeOnWorker);
     ScriptedDriver driver;
     std::atomic_bool waitedToTheEnd{false};
     driver.always(Operation::FindDevice, Answer().calling([&] {
@@ -409,12 +433,17 @@ void tst_UtilsUniProgThread_lifecycle::deletionDoesNotDisturbADriverThatWaitsInA
         });
         loop.exec();
     }));
-    auto thread = std::make_unique<UtilsUniProgThread>(&driver, nullptr);
+    auto *thread = new UtilsUniProgThread(&driver, nullptr);
+    const QPointer<UtilsUniProgThread> object = thread;
+    connect(
+        thread, &UtilsUniProgThread::SignalOperationLogMessage, this, [&] { removeOnWorker(thread); },
+        Qt::DirectConnection);
     thread->FindDevice();
     QVERIFY(driver.waitForCall(Operation::FindDevice));
-    thread.reset();
+    removeAtHome(thread);
+    QVERIFY(spinUntil([&] { return object.isNull(); }));
     QVERIFY(waitedToTheEnd);
-    QCOMPARE(driver.callCount(Operation::Disconnect), 1);
+    QCOMPARE(driver.callCount(Operation::Disconnect), driver.callCount(Operation::Connect));
 }
 
 void tst_UtilsUniProgThread_lifecycle::deletionBeforeTheHopHasArrived()
