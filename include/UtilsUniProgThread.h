@@ -17,6 +17,7 @@
 #include <atomic>
 
 class PowerModuleImage;
+class ProgressRelay;
 class QThread;
 class UtilsBootloader;
 
@@ -303,6 +304,7 @@ private:
     TSelectedDevice selectedDevice{};
     bool useSelectedDevice = false;
 
+    ProgressRelay *progressRelay = nullptr; ///< null without a driver; deletes itself after retire()
     mutable QMutex lifecycleMutex; ///< guards the six below
     int openRequests = 0; ///< accepted, and their workers have not ended
     QList<const char *> waitingStarts; ///< frames of requests whose workers have not been started yet

@@ -2,6 +2,7 @@
 
 #include "DeviceStatus_p.h"
 #include "DriverValues_p.h"
+#include "ProgressRelay_p.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -41,10 +42,8 @@ UtilsUniProgThread::UtilsUniProgThread(UniProgInterface *argUniProg, QThread *th
     if (thread)
         moveToThread(thread);
 
-    if (auto *driver = dynamic_cast<QObject *>(uniProg)) {
-        connect(driver, SIGNAL(SignalUpdateProgress(int)), this, SIGNAL(SignalOperationProgress(int)),
-                Qt::DirectConnection);
-    }
+    if (const auto *driver = dynamic_cast<QObject *>(uniProg))
+        progressRelay = new ProgressRelay(driver, this);
 }
 
 UtilsUniProgThread::~UtilsUniProgThread()
@@ -66,6 +65,8 @@ UtilsUniProgThread::~UtilsUniProgThread()
         // The worker's deleteLater() needs an event loop, which may not run again.
         delete worker;
     }
+    if (progressRelay)
+        progressRelay->retire();
     locker.relock(); // what the workers did has happened before the fields go
 }
 
@@ -517,6 +518,7 @@ void UtilsUniProgThread::CompleteProcedure(int status, const QString &message)
         const QMutexLocker locker(&lifecycleMutex);
     }
     Q_EMIT SignalProcedureCompleted(status, message);
+    ProgressRelay::deleteRetired();
     mutexAccessThread->unlock();
     Q_EMIT finished();
     LeaveWorker();

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <thread>
 
 using Operation = ScriptedDriver::Operation;
 using Answer = ScriptedDriver::Answer;
@@ -469,6 +470,14 @@ void tst_UtilsUniProgThread::theDriversProgressIsForwardedOnItsOwnThread()
     Q_EMIT rig.driver.SignalUpdateProgress(7); // also without a request
     QCOMPARE(values, QList<int>{7});
     QCOMPARE(threads, QList<QThread *>{QThread::currentThread()});
+    values.clear();
+    threads.clear();
+
+    std::thread([&] { Q_EMIT rig.driver.SignalUpdateProgress(8); }).join();
+    QCOMPARE(values, QList<int>{8}); // at once, without the event loop of the thread that the object lives in
+    QVERIFY(threads.constFirst() != QThread::currentThread());
+    values = {7};
+    threads = {nullptr};
 
     rig.driver.always(Operation::FindDevice, Answer().reporting({-1, 0, 100, 1000}));
     rig.thread.FindDevice();

@@ -93,6 +93,8 @@ private Q_SLOTS:
     void deletionWhileWaitingForTheTurn();
     void deletionDoesNotDisturbADriverThatWaitsInAnEventLoop_data();
     void deletionDoesNotDisturbADriverThatWaitsInAnEventLoop();
+    void anObjectMayGoWhileAnotherOneReportsProgress();
+    void anObjectMayGoInASlotOfItsProgress();
     void deletionBeforeTheHopHasArrived();
     void theDriverMayGoBeforeTheObject();
 };
@@ -444,6 +446,48 @@ void tst_UtilsUniProgThread_lifecycle::deletionDoesNotDisturbADriverThatWaitsInA
     QVERIFY(spinUntil([&] { return object.isNull(); }));
     QVERIFY(waitedToTheEnd);
     QCOMPARE(driver.callCount(Operation::Disconnect), driver.callCount(Operation::Connect));
+}
+
+void tst_UtilsUniProgThread_lifecycle::anObjectMayGoWhileAnotherOneReportsProgress()
+{
+    constexpr int Objects = 3000;
+    ProcedureRig rig;
+    std::atomic_bool enough{false};
+    rig.driver.always(Operation::FindDevice, Answer().calling([&] {
+        while (!enough)
+            Q_EMIT rig.driver.SignalUpdateProgress(50);
+    }));
+    rig.thread.FindDevice();
+    QVERIFY(rig.driver.waitForCall(Operation::FindDevice));
+    std::atomic_int heard{0};
+    for (int i = 0; i < Objects; ++i) {
+        UtilsUniProgThread other(&rig.driver, nullptr);
+        connect(
+            &other, &UtilsUniProgThread::SignalOperationProgress, this, [&heard] { ++heard; }, Qt::DirectConnection);
+    }
+    enough = true;
+    QVERIFY(rig.settle());
+    const int heardByTheDead = heard;
+    Q_EMIT rig.driver.SignalUpdateProgress(100);
+    QCOMPARE(heard.load(), heardByTheDead);
+}
+
+void tst_UtilsUniProgThread_lifecycle::anObjectMayGoInASlotOfItsProgress()
+{
+    ScriptedDriver driver;
+    const QPointer<UtilsUniProgThread> thread = new UtilsUniProgThread(&driver, nullptr);
+    QList<int> heard;
+    connect(thread, &UtilsUniProgThread::SignalOperationProgress, this, [&](int percent) {
+        heard.append(percent);
+        if (percent == 1) {
+            Q_EMIT driver.SignalUpdateProgress(2); // it may be told of more meanwhile
+            delete thread;
+            Q_EMIT driver.SignalUpdateProgress(3);
+        }
+    });
+    Q_EMIT driver.SignalUpdateProgress(1);
+    QVERIFY(!thread);
+    QCOMPARE(heard, (QList<int>{1, 2}));
 }
 
 void tst_UtilsUniProgThread_lifecycle::deletionBeforeTheHopHasArrived()
