@@ -13,7 +13,8 @@
 /// The driver of a programmer: everything the suite asks of the device.
 ///
 /// Every operation blocks until the device has answered and returns a status, 0 for success. The numbers this library
-/// gives a meaning to are described in UtilsUniProgThread.h. Operations are called on worker threads, one at a time.
+/// gives a meaning to are described in UtilsUniProgThread.h. Operations are called on worker threads, one at a time,
+/// but for GetTargetDescriptor() and SetWiFiLinkPassword(): those come from the application's thread, at any time.
 ///
 /// A driver derives from QObject and from this class, in this order, and declares the signal
 /// `void SignalUpdateProgress(int percent)`, which it may emit from any thread while an operation runs:
@@ -55,9 +56,11 @@ public:
     virtual int ConnectToTarget(int flag) = 0;
     /// Sets the SWD or JTAG clock of the target descriptor, before ConnectToTarget().
     virtual int SetTargetClock() = 0;
-    /// Called after every attempt to connect to the target, failed ones too.
+    /// Called after every attempt to reach the target, even when the interface to it could not be taken; a capture of
+    /// trace data calls it when it is switched off.
     virtual int DisconnectFromTarget() = 0;
-    /// \a inUse true takes the interface to the target, false releases it. Taking fails while somebody else has it.
+    /// \a inUse true takes the interface to the target, false releases it. Taking fails while somebody else has it;
+    /// releasing comes then all the same, and must not take it from them.
     virtual int SetTargetInterfaceInUse(bool inUse) = 0;
     /// The descriptor of the selected target; null when there is none.
     virtual QSharedPointer<TargetDescriptor> GetTargetDescriptor() = 0;

@@ -9,7 +9,7 @@
 /// Which link of the programmer a connection uses. The values are fixed: they cross to the device.
 enum OPERATION_TYPE {
     OPERATION_TYPE_CONFIGURATION = 0, ///< configuration link: settings, WiFi, power module configuration, bootloaders
-    OPERATION_TYPE_DEBUG = 1 ///< debug link: everything that talks to the target or reads the device
+    OPERATION_TYPE_DEBUG = 1 ///< debug link: the target, its supply, and what reads or finds the device
 };
 
 /// The device a connection is made to when it is not the one connected last.

@@ -43,7 +43,7 @@ public:
     ///
     /// The content is not checked. What a short file does not hold is empty or 0; a negative length means no version
     /// text, and one beyond the end means that no payload is left. A file whose payload is larger than 2147483647 bytes
-    /// counts as empty and is not loaded.
+    /// counts as empty and is not loaded, and so does that of a path that does not tell its size, such as a pipe.
     bool openFile();
 
     /// The CRC stored in the file.

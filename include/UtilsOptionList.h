@@ -39,7 +39,8 @@ public:
     /// box of its items in ascending order of value, showing the selected one. Picking an entry selects the item of
     /// that name in the option.
     ///
-    /// An option whose selected value no item has shows its first entry and keeps its value until the user picks one.
+    /// An option whose selected value no item has shows its first entry and keeps its value until the user picks
+    /// another one: picking the entry that is shown changes nothing, so choose a value for every option first.
     /// The panel is as the options were when it was built: what changes in them later is not shown.
     QWidget *createGraphicInterface(QWidget *parent);
 

@@ -40,6 +40,7 @@ public:
     void setFileInfo(QFileInfo info);
 
     /// The chosen file's name. "" when no file is chosen, or it does not exist or is a directory; like the next two.
+    /// They tell what was seen at the last look: a file that is not watched any more may have gone since.
     static QString getFileName();
     /// The chosen file's path as it was given, with the file name.
     static QString getFilePath();
@@ -68,7 +69,8 @@ public Q_SLOTS:
     void slotRemoveFile();
     /// Lets the user choose a flash image in a modal dialog, which belongs to the widget whose signal called this
     /// slot, if it was a widget's. Afterwards setFileInfo() gets the first file that is selected in the dialog, however
-    /// the dialog was closed: Qt's own dialog has its directory selected after a cancel, the systems' dialogs nothing.
+    /// the dialog was closed: a file that is highlighted becomes the choice even when the user cancels. Without one,
+    /// Qt's own dialog has its directory selected after a cancel.
     void slotSearchFile();
 
 private:

@@ -34,7 +34,7 @@ class UNIPROGUTILS_EXPORT UtilsToken
 public:
     /// Parses the binary form. Groups before a malformed one stay, with one exception: an item count greater than
     /// the size of the whole array leaves no groups at all. A group that runs past the end of \a data is dropped. A
-    /// negative count gives an empty group.
+    /// negative count gives an empty group and ends the token.
     explicit UtilsToken(QByteArray data);
 
     /// Parses the text form. A piece that is not a number counts as 0; a count of 0 or less gives an empty group; when

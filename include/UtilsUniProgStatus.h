@@ -50,7 +50,8 @@ public:
     void Start(int status, QString message, QWidget *parent);
 
 Q_SIGNALS:
-    /// There is nothing to explain, or the dialog was closed, by either button. Not emitted when nothing is shown for
+    /// There is nothing to explain, or the dialog was closed, by either button; one that the window
+    /// system closes says so twice (see UtilsDialogFrame::signalDialogClosed()). Not emitted when nothing is shown for
     /// an error, nor when the dialog dies with its parent.
     void SignalStatusDialogClosed();
 

@@ -49,7 +49,9 @@ class UtilsBootloader;
 /// Ownership: the driver, and everything a request is given a pointer to, stay the caller's. They have to exist until
 /// SignalProcedureCompleted(); the driver as long as requests are made. The object has no parent. Delete it in its home
 /// thread, or with deleteLater(); a procedure that runs is waited for and ends first. That holds in slots of its
-/// signals as well: in a slot that a direct connection calls on the worker, only deleteLater() is allowed.
+/// signals as well: in a slot that a direct connection calls on the worker, only deleteLater() is allowed. Delete it
+/// with deleteLater() wherever its signals have blocking queued connections: it would wait for a slot that waits for
+/// it.
 ///
 /// Status: 0 is success; every other number comes from the driver (or is 1 for a bad firmware image) and is reported
 /// with a text:
@@ -128,9 +130,11 @@ public:
     /// \{
 
     /// Connects to the running target and starts the capture; \a argSwoParameter is the driver's to understand. The
-    /// device is reached over the link that the previous request used.
+    /// device is reached over the link that the previous request used. The connection to the target stays until
+    /// SwoDisable(), after a failure too: make no other request on the target before.
     int SwoEnable(unsigned int argSwoParameter);
-    /// Ends the capture and disconnects from the target; over the link of the previous request, too.
+    /// Ends the capture and disconnects from the target; over the link of the previous request, which is the debug link
+    /// after SwoEnable().
     int SwoDisable();
     /// Fetches captured bytes. \a argSwoDataSize is the size of the buffer before and the number of bytes read after.
     int SwoGetData(unsigned char *argSwoData, unsigned short *argSwoDataSize);
@@ -200,7 +204,7 @@ Q_SIGNALS:
     /// A line for the user, in the order of events.
     void SignalOperationLogMessage(QString message, LOGGER_MESSAGE_TYPE messageType);
     /// 0 to 100, or -1 for busy without a percentage. The driver's own progress is forwarded on the thread that
-    /// emits it.
+    /// emits it, by every object of that driver, whichever of them runs a procedure.
     void SignalOperationProgress(int percent);
 
 public Q_SLOTS:

@@ -409,7 +409,7 @@ int ScriptedDriver::ResetTarget(int mode)
 int ScriptedDriver::SwoGetData(unsigned char *data, unsigned short *size)
 {
     const Answer answer = perform(Operation::SwoGetData, {pointerArgument(data), pointerArgument(size)});
-    if (size && answer.writesResult)
+    if (size && answer.writesResult && (answer.status == 0 || answer.result.isValid()))
         *size = static_cast<unsigned short>(giveBytes(answer, data, *size));
     return answer.status;
 }

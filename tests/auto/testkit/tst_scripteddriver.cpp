@@ -381,6 +381,10 @@ void tst_ScriptedDriver::bytesNeverExceedTheCallersBuffer()
     driver.SwoGetData(data, &size);
     QCOMPARE(size, static_cast<unsigned short>(6));
 
+    driver.always(Operation::SwoGetData, 5); // untold, a call that fails leaves what the caller has
+    QCOMPARE(driver.SwoGetData(data, &size), 5);
+    QCOMPARE(size, static_cast<unsigned short>(6));
+
     buffer = "........";
     data = reinterpret_cast<unsigned char *>(buffer.data());
     driver.PowerGetReadings(data, -1);
