@@ -10,30 +10,33 @@
 struct ProgressRelay::Target
 {
     std::recursive_mutex mutex; // recursive: who is told of progress may delete the object
-    UtilsUniProgThread *object;
+    UtilsUniProgThread *object = nullptr;
 };
 
 namespace {
 
-struct Retired
+/// All relays together. The mutex also stands between the beginning of a relay and its first use on another thread.
+struct Registry
 {
     std::mutex mutex;
-    QList<ProgressRelay *> relays;
+    QList<ProgressRelay *> retired;
 };
 
-Retired *retired()
+Registry *registry()
 {
-    static auto *const all
-        = new Retired; // never deleted: workers that are left behind use it to the end of the process
+    static auto *const all = new Registry; // never deleted: a worker that is left behind uses it to the end
     return all;
 }
 
 } // namespace
 
 ProgressRelay::ProgressRelay(const QObject *driver, UtilsUniProgThread *thread)
-    : target(std::make_shared<Target>())
 {
-    target->object = thread;
+    {
+        const std::lock_guard<std::mutex> lock(registry()->mutex);
+        target = std::make_shared<Target>();
+        target->object = thread;
+    }
     connect(driver, SIGNAL(SignalUpdateProgress(int)), this, SLOT(forward(int)), Qt::DirectConnection);
 }
 
@@ -46,8 +49,8 @@ void ProgressRelay::retire()
         target->object = nullptr;
     }
     {
-        const std::lock_guard<std::mutex> lock(retired()->mutex);
-        retired()->relays.append(this);
+        const std::lock_guard<std::mutex> lock(registry()->mutex);
+        registry()->retired.append(this);
     }
     if (!UtilsUniProgThread::mutexAccessThread->tryLock())
         return; // the procedure that has the turn does it at its end
@@ -57,15 +60,17 @@ void ProgressRelay::retire()
 
 void ProgressRelay::deleteRetired()
 {
-    std::unique_lock<std::mutex> lock(retired()->mutex);
-    const QList<ProgressRelay *> relays = std::exchange(retired()->relays, {});
+    std::unique_lock<std::mutex> lock(registry()->mutex);
+    const QList<ProgressRelay *> relays = std::exchange(registry()->retired, {});
     lock.unlock();
     qDeleteAll(relays);
 }
 
 void ProgressRelay::forward(int percent)
 {
+    std::unique_lock<std::mutex> beginning(registry()->mutex);
     const std::shared_ptr<Target> receiver = target; // outlives this relay, which may go in the middle of the signal
+    beginning.unlock();
     const std::lock_guard<std::recursive_mutex> lock(receiver->mutex);
     if (receiver->object)
         Q_EMIT receiver->object->SignalOperationProgress(percent);
