@@ -504,13 +504,16 @@ void tst_UtilsUniProgThread::theProcedureRunsOnAWorkerNamedLikeTheObject()
     rig.thread.setObjectName(QStringLiteral("programmer"));
     QString name;
     QThread *lived = nullptr;
+    QThread::Priority priority = QThread::IdlePriority;
     rig.driver.always(Operation::FindDevice, Answer().calling([&] {
         name = QThread::currentThread()->objectName();
+        priority = QThread::currentThread()->priority();
         lived = rig.thread.thread();
     }));
     rig.thread.FindDevice();
     QVERIFY(rig.settle());
     QCOMPARE(name, QStringLiteral("programmer"));
+    QCOMPARE(priority, QThread::InheritPriority);
     QVERIFY(lived != QThread::currentThread());
     QCOMPARE(lived, rig.driver.calls().first().thread);
 
