@@ -36,7 +36,7 @@ class UNIPROGUTILS_EXPORT UtilsHttpClient : public QObject
     Q_OBJECT
 
 public:
-    static constexpr qint64 LargestBody = 256 * 1024 * 1024; ///< bytes; a server that sends more is not heard out
+    static constexpr qint64 LargestBody = 256LL * 1024 * 1024; ///< bytes; a server that sends more is not heard out
 
     UtilsHttpClient();
     ~UtilsHttpClient() override;

@@ -162,7 +162,7 @@ public:
         quint32 sectorSize = 0;
     };
 
-    static constexpr qint64 LargestFlash = 64 * 1024 * 1024; ///< bytes of all regions together
+    static constexpr qint64 LargestFlash = 64LL * 1024 * 1024; ///< bytes of all regions together
     static constexpr int ProgramBlockSize = 256; ///< bytes of target memory moved at a time
     static constexpr int BootloaderBlockSize = 992; ///< the only length a bootloader writes
     static constexpr int BootloaderSectorSize = 4096;
