@@ -90,7 +90,6 @@ public:
     /// lines, those added later included, and true is returned; else what QObject::setProperty() returns. The base
     /// function, reached through a QObject pointer, does not pass it on.
     bool setProperty(const char *name, const QVariant &value);
-    using QFrame::setProperty;
 
 public Q_SLOTS:
     /// Follows the end of the list, unless the user has scrolled up.

@@ -59,7 +59,6 @@ public:
     /// hiding frame, whose background must be that of the line for the reveal to look right; returns true then, else
     /// what QObject::setProperty() returns.
     bool setProperty(const char *name, const QVariant &value);
-    using QWidget::setProperty;
 
     int getHidingFrameStartPos() const;
     void setHidingFrameStartPos(int position);
