@@ -7,6 +7,8 @@
 #include <QToolButton>
 #include <QVariant>
 
+#include <utility>
+
 namespace {
 
 constexpr QSize InitialSize(400, 43);
@@ -47,10 +49,8 @@ UtilsButtonGroup::~UtilsButtonGroup()
     if (!isClicked)
         return;
     // A receiver deletes the row inside the click of a button. QToolButton goes on with that button when it has said
-    // so: the buttons stay until the event loop comes to them.
-    for (const auto &button : std::as_const(buttons)) {
-        if (!button)
-            continue;
+    // so: the buttons stay until the event loop comes to them, those that removeButtons() has given up as well.
+    for (QToolButton *button : findChildren<QToolButton *>()) {
         button->setParent(nullptr);
         button->deleteLater();
     }
@@ -76,10 +76,10 @@ void UtilsButtonGroup::setupForm()
 void UtilsButtonGroup::tellOfClick(int id)
 {
     const QPointer<UtilsButtonGroup> self(this);
-    isClicked = true;
+    const bool wasClicked = std::exchange(isClicked, true); // a receiver may click another button
     Q_EMIT signalButtonClicked(id);
     if (self)
-        isClicked = false;
+        isClicked = wasClicked;
 }
 
 int UtilsButtonGroup::addButton(QString name, int id)

@@ -11,6 +11,9 @@
 #include <QStyle>
 #include <QToolButton>
 
+using Before = void (*)(UtilsButtonGroup &);
+Q_DECLARE_METATYPE(Before)
+
 class tst_UtilsButtonGroup : public UniProgTest
 {
     Q_OBJECT
@@ -44,6 +47,7 @@ private Q_SLOTS:
     void propertiesAreNotPolished();
     void theInnerGroupStaysBehind();
     void theWidgetMayGoInAClick();
+    void aButtonOutlivesTheRowThatItsClickDeletes_data();
     void aButtonOutlivesTheRowThatItsClickDeletes();
     void keysWalkTheRow();
     void buttonsAreHeard();
@@ -450,14 +454,28 @@ void tst_UtilsButtonGroup::theWidgetMayGoInAClick()
     QVERIFY(!group);
 }
 
+void tst_UtilsButtonGroup::aButtonOutlivesTheRowThatItsClickDeletes_data()
+{
+    QTest::addColumn<Before>("before");
+    QTest::newRow("at once") << Before([](UtilsButtonGroup &) {});
+    QTest::newRow("after it was removed") << Before([](UtilsButtonGroup &group) { group.removeButtons(); });
+    QTest::newRow("after another one was clicked")
+        << Before([](UtilsButtonGroup &group) { buttonOf(group, QStringLiteral("B"))->click(); });
+}
+
 void tst_UtilsButtonGroup::aButtonOutlivesTheRowThatItsClickDeletes()
 {
+    QFETCH(Before, before);
     auto *group = new UtilsButtonGroup(nullptr);
     group->addButton(QStringLiteral("A"), 0);
+    group->addButton(QStringLiteral("B"), 1);
     group->show();
     const QPointer<QToolButton> button = buttonOf(*group, QStringLiteral("A"));
     bool buttonLives = false;
-    connect(group, &UtilsButtonGroup::signalButtonClicked, qApp, [&] {
+    connect(group, &UtilsButtonGroup::signalButtonClicked, qApp, [&](int id) {
+        if (id != 0)
+            return;
+        before(*group);
         delete group;
         buttonLives = button;
     });
