@@ -7,6 +7,7 @@
 #include <QVariant>
 
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -54,11 +55,10 @@ void UtilsProgressBar::setValue(int value)
     // The animation drives the property of QProgressBar, not this function.
     currentAnimation = new QPropertyAnimation(this, "value");
     currentAnimation->setDuration(int(qMin(duration, MaximumDuration)));
-    currentAnimation->setStartValue(lastTargetValue);
+    // The value counts as requested before it is shown: whoever hears of it may request the next one.
+    currentAnimation->setStartValue(std::exchange(lastTargetValue, value));
     currentAnimation->setEndValue(value);
     // An animation that has started deletes itself; one that still waits when the bar goes has nobody else.
     connect(this, &QObject::destroyed, currentAnimation, &QObject::deleteLater);
     animationQueue->AddAnimation(currentAnimation);
-
-    lastTargetValue = value;
 }

@@ -39,6 +39,7 @@ private Q_SLOTS:
     void aPlainProgressBarPointerSetsAtOnce();
     void aConnectionByNameSetsAtOnce();
     void itMayGoWhileChangesRunAndWait();
+    void aChangeMayBeRequestedInsideValueChanged_data();
     void aChangeMayBeRequestedInsideValueChanged();
 };
 
@@ -364,16 +365,32 @@ void tst_UtilsProgressBar::itMayGoWhileChangesRunAndWait()
     QTest::qWait(0);
 }
 
+void tst_UtilsProgressBar::aChangeMayBeRequestedInsideValueChanged_data()
+{
+    QTest::addColumn<int>("duration");
+    QTest::newRow("gliding") << int(ShortDuration);
+    QTest::newRow("immediate") << 0;
+}
+
 void tst_UtilsProgressBar::aChangeMayBeRequestedInsideValueChanged()
 {
+    QFETCH(int, duration);
     UtilsProgressBar bar;
-    bar.setAnimationDuration(ShortDuration);
+    bar.setAnimationDuration(unsigned(duration));
+    const QSignalSpy changes(&bar, &QProgressBar::valueChanged);
     connect(&bar, &QProgressBar::valueChanged, &bar, [&](int value) {
-        if (value == 50)
+        if (value == 50) {
+            bar.setAnimationDuration(ShortDuration);
             bar.setValue(75);
+        }
     });
     bar.setValue(50);
     QTRY_COMPARE(bar.value(), 75);
+    bar.setValue(90);
+    QTRY_COMPARE(bar.value(), 90);
+    // Each change began where the one before had ended.
+    const QList<int> values = recordedValues(changes);
+    QVERIFY(std::is_sorted(values.cbegin(), values.cend()));
 }
 
 UNIPROG_TEST_MAIN(tst_UtilsProgressBar)
