@@ -102,6 +102,7 @@ protected:
 
 private:
     Q_DISABLE_COPY_MOVE(UtilsDialogFrame)
+    friend class UtilsDialogProcessing; // whose Close button ends the frame as well
 
     void setupForm();
     QFrame *createCard(QWidget *parent);

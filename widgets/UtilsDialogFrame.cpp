@@ -16,6 +16,7 @@
 #include <QToolButton>
 
 #include <memory>
+#include <utility>
 
 static constexpr int FadeInDuration = 200; // milliseconds
 static constexpr int FadeOutDuration = 150;
@@ -192,10 +193,10 @@ QToolButton *UtilsDialogFrame::createButton(const QString &name, const QString &
 void UtilsDialogFrame::handleClick(void (UtilsDialogFrame::*handler)())
 {
     const QPointer<UtilsDialogFrame> self(this);
-    m_isClicked = true;
+    const bool wasClicked = std::exchange(m_isClicked, true); // a receiver may click again
     (this->*handler)();
     if (self)
-        m_isClicked = false;
+        m_isClicked = wasClicked;
 }
 
 void UtilsDialogFrame::enableCancelButton(bool enable)

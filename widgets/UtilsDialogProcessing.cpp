@@ -68,7 +68,7 @@ void UtilsDialogProcessing::slotLoggerAnimationsCompleted()
 
 void UtilsDialogProcessing::slotClose()
 {
-    reject();
+    handleClick(&UtilsDialogFrame::reject); // the Close button is connected to this slot
 }
 
 void UtilsDialogProcessing::slotUpdateProgressbar(int percent)

@@ -129,6 +129,8 @@ private Q_SLOTS:
     void otherKeysAreSwallowed_data();
     void otherKeysAreSwallowed();
     void theCloseButtonRejects();
+    void theCloseButtonOutlivesTheDialogThatItsClickDeletes_data();
+    void theCloseButtonOutlivesTheDialogThatItsClickDeletes();
     void returnOnTheCloseButtonDoesNotClose();
 
     void itMayBeDeletedInAnyState_data();
@@ -542,6 +544,34 @@ void tst_UtilsDialogProcessing::theCloseButtonRejects()
     QCOMPARE(rejected.count(), 1);
     QCOMPARE(dialog.closedCount(), 1);
     QTRY_VERIFY(!dialog.exists());
+}
+
+void tst_UtilsDialogProcessing::theCloseButtonOutlivesTheDialogThatItsClickDeletes_data()
+{
+    QTest::addColumn<bool>("closedAgain");
+    QTest::newRow("at once") << false;
+    QTest::newRow("after closing it again") << true;
+}
+
+void tst_UtilsDialogProcessing::theCloseButtonOutlivesTheDialogThatItsClickDeletes()
+{
+    QFETCH(bool, closedAgain);
+    Dialog dialog;
+    dialog->slotProcedureCompleted(Failure, QString());
+    QTRY_COMPARE(dialog.button()->text(), "CLOSE");
+    QTRY_VERIFY(dialog.button()->height() > 0);
+    const QPointer<QToolButton> button = dialog.button();
+    bool buttonLives = false;
+    connect(dialog.operator->(), &QDialog::rejected, this, [&] {
+        if (closedAgain)
+            dialog->slotClose();
+        delete dialog.operator->();
+        buttonLives = button;
+    });
+    QTest::mouseClick(button, Qt::LeftButton);
+    QVERIFY(!dialog.exists());
+    QVERIFY(buttonLives); // QToolButton goes on with it
+    QTRY_VERIFY(!button);
 }
 
 void tst_UtilsDialogProcessing::returnOnTheCloseButtonDoesNotClose()
