@@ -79,7 +79,7 @@ void UtilsLoggerList::placeWidgetsInSight()
             widget->show();
             widgetsInSight.append(widget);
         }
-        y = row.y() + gridSize().height();
+        y = qMax(y + 1, row.y() + gridSize().height()); // an application may have taken the grid away
     }
     for (QWidget *widget : before) {
         if (widget && !widgetsInSight.contains(widget))

@@ -30,6 +30,8 @@ private Q_SLOTS:
     void theViewFollowsTheEnd();
     void theViewStaysWhereTheUserScrolledTo();
     void rowsStandWhereTheListSaysTheyDo();
+    void aListWithoutAGridIsLaidOut_data();
+    void aListWithoutAGridIsLaidOut();
 
     void keysMoveTheCurrentRow_data();
     void keysMoveTheCurrentRow();
@@ -245,6 +247,33 @@ void tst_UtilsLogger_view::rowsStandWhereTheListSaysTheyDo()
     logger.clear();
     addLines(logger, 12);
     verifyRows();
+}
+
+void tst_UtilsLogger_view::aListWithoutAGridIsLaidOut_data()
+{
+    QTest::addColumn<QString>("styleSheet");
+    QTest::addColumn<QSize>("grid");
+    QTest::newRow("no grid") << QString() << QSize();
+    QTest::newRow("an empty grid") << QString() << QSize(0, 0);
+    QTest::newRow("an empty grid of a style sheet") << "QListWidget { qproperty-gridSize: 0px 0px; }" << QSize(0, 0);
+}
+
+void tst_UtilsLogger_view::aListWithoutAGridIsLaidOut()
+{
+    QFETCH(QString, styleSheet);
+    QFETCH(QSize, grid);
+    UtilsLogger logger(nullptr, 0);
+    logger.resize(200, 100);
+    logger.setStyleSheet(styleSheet);
+    if (styleSheet.isEmpty())
+        listOf(logger)->setGridSize(grid);
+    addLines(logger, 30);
+    layOut(logger);
+    QCOMPARE(listOf(logger)->gridSize(), grid);
+    listOf(logger)->verticalScrollBar()->setValue(1);
+    addLines(logger, 200);
+    QCoreApplication::processEvents();
+    QCOMPARE(textsOf(logger).size(), 230);
 }
 
 void tst_UtilsLogger_view::keysMoveTheCurrentRow_data()
