@@ -86,7 +86,10 @@ void UtilsLogger::wire()
     connect(lineAnimationQueue, SIGNAL(SignalAllAnimationsFinished()), this, SLOT(slotLoggerAnimationsCompleted()));
 
     verticalScrollBar = listWidget->verticalScrollBar();
-    connect(verticalScrollBar, &QScrollBar::rangeChanged, this, &UtilsLogger::moveScrollBarToBottom);
+    // Without the blanks that clang-format would add: Qt looks for the signatures as it stores them first.
+    // clang-format off
+    connect(verticalScrollBar, SIGNAL(rangeChanged(int,int)), this, SLOT(moveScrollBarToBottom(int,int)));
+    // clang-format on
 
     actionCopySelected = new QAction(tr("Copy Selected Item"), listWidget);
     actionCopySelected->setShortcut(QKeySequence::Copy);

@@ -4,6 +4,7 @@
 
 #include <QLabel>
 #include <QMetaMethod>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 using namespace LoggerTest;
@@ -20,6 +21,7 @@ private Q_SLOTS:
     void theStartValues();
     void theSlotsStandInTheirOrder();
     void theActionsAreThere();
+    void partsCanBeDisconnectedByName();
 
     void aMessageIsSplitAtItsLineBreaks_data();
     void aMessageIsSplitAtItsLineBreaks();
@@ -133,6 +135,18 @@ void tst_UtilsLogger::theActionsAreThere()
     actionOf(logger, "Clear")->trigger();
     QVERIFY(logger.isEmpty());
     QCOMPARE(logger.getLoggerData(), QString());
+}
+
+void tst_UtilsLogger::partsCanBeDisconnectedByName()
+{
+    UtilsLogger logger;
+    QListWidget *list = listOf(logger);
+    QVERIFY(disconnect(list->verticalScrollBar(), SIGNAL(rangeChanged(int, int)), &logger,
+                       SLOT(moveScrollBarToBottom(int, int))));
+    QVERIFY(disconnect(list, SIGNAL(customContextMenuRequested(QPoint)), &logger, SLOT(slotShowContextMenu(QPoint))));
+    QVERIFY(disconnect(actionOf(logger, "Copy Selected Item"), SIGNAL(triggered()), &logger, SLOT(slotCopySelected())));
+    QVERIFY(disconnect(actionOf(logger, "Copy All"), SIGNAL(triggered()), &logger, SLOT(slotCopyAll())));
+    QVERIFY(disconnect(actionOf(logger, "Clear"), &QAction::triggered, &logger, &UtilsLogger::clear));
 }
 
 void tst_UtilsLogger::aMessageIsSplitAtItsLineBreaks_data()
