@@ -124,6 +124,7 @@ private:
     void completeWaitingLine();
     void completeWaitingLines() const;
     void continueBurst();
+    void payOwedCompletion();
 
     QVBoxLayout *verticalLayout = nullptr;
     UtilsLoggerList *listWidget = nullptr;

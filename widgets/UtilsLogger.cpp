@@ -234,6 +234,13 @@ void UtilsLogger::continueBurst()
     if (!waitingLines.isEmpty())
         nextTurn->start();
     else if (completionIsOwed && lineAnimationQueue->NumberOfWaitingAnimations() == 0)
+        QMetaObject::invokeMethod(this, &UtilsLogger::payOwedCompletion, Qt::QueuedConnection);
+}
+
+// Later than the queue: when its last reveals left with their lines, it is about to say itself that it has run dry.
+void UtilsLogger::payOwedCompletion()
+{
+    if (completionIsOwed && lineAnimationQueue->NumberOfWaitingAnimations() == 0)
         slotLoggerAnimationsCompleted();
 }
 

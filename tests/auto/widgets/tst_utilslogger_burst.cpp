@@ -91,6 +91,7 @@ private Q_SLOTS:
     void completionWaitsForTheWaitingLines();
     void completionComesOnceAfterTheLastReveal();
     void aRevealThatNeverCameDoesNotHoldTheCompletion();
+    void completionComesOnceWhenTheRevealsLeaveWithTheirLines();
     void aRowShowsWhenItsPlaceWasThatOfAReveal();
 
     void clearForgetsTheWaitingLines_data();
@@ -391,6 +392,24 @@ void tst_UtilsLogger_burst::aRevealThatNeverCameDoesNotHoldTheCompletion()
     QTRY_COMPARE(completed.count(), 1);
     QVERIFY(logger.isAllAnimationsCompleted());
     QCOMPARE(logger.getLoggerData(), "5\n6\n7\n8\n9\n");
+}
+
+void tst_UtilsLogger_burst::completionComesOnceWhenTheRevealsLeaveWithTheirLines()
+{
+    UtilsLogger logger(nullptr, Endless, 5);
+    QSignalSpy completed(&logger, &UtilsLogger::signalLoggerAnimationsCompleted);
+    addLines(logger, 110); // some are revealed, and some wait
+    logger.setLineAnimationDuration(0);
+    addLines(logger, 10);
+    QTRY_COMPARE(completed.count(), 1);
+    QTRY_VERIFY(!logger.findChild<QTimer *>()->isActive());
+    QCoreApplication::processEvents();
+    QCOMPARE(completed.count(), 1);
+    QVERIFY(logger.isAllAnimationsCompleted());
+
+    logger.setLineAnimationDuration(Short); // and it comes again for later lines
+    addLines(logger, 1);
+    QTRY_COMPARE(completed.count(), 2);
 }
 
 void tst_UtilsLogger_burst::aRowShowsWhenItsPlaceWasThatOfAReveal()
