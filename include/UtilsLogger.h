@@ -56,7 +56,9 @@ public:
     void addMessage(QString text, LOGGER_MESSAGE_TYPE type);
     /// Adds one line, its text up to the first line break. It becomes the last line.
     void addSingleLineMessage(QString text, LOGGER_MESSAGE_TYPE type);
-    /// Appends to the last line, revealed like a new one; ignored when there is no last line.
+    /// Appends to the last line, revealed like a new one; ignored when there is no last line. In a logger that has
+    /// shown everything, isAllAnimationsCompleted() stays true meanwhile, and signalLoggerAnimationsCompleted() comes
+    /// again.
     void appendToLastLineMessage(QString text);
 
     /// Removes all lines and forgets their reveals. isAllAnimationsCompleted() stays as it is, and

@@ -219,6 +219,7 @@ void tst_UtilsLogger::appendingGoesToTheLastLine()
     QTRY_COMPARE(completed.count(), 1);
     logger.appendToLastLineMessage("c");
     QCOMPARE(logger.getLoggerData(), "a\nbc\n");
+    QVERIFY(logger.isAllAnimationsCompleted());
     QTRY_COMPARE(completed.count(), 2); // revealed like a new line
 }
 
