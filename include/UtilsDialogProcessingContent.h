@@ -35,7 +35,8 @@ public:
     UtilsLogger *getLogger() const;
     /// Without text; takes 100 ms for a change of its value.
     UtilsProgressBar *getProgressBar() const;
-    /// The Close button. Collapsed, it has no height, no text and takes no focus.
+    /// The Close button. Collapsed, it has no height, no text and takes no focus. Return and Enter never press it,
+    /// whatever the desktop makes of them: they go on to its parents.
     QToolButton *getButton() const;
     QLabel *getMessageLabel() const;
 
@@ -46,6 +47,9 @@ public:
 public Q_SLOTS:
     /// The Close button has its height: shows its text.
     void slotExpandAnimFinished();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void setupForm();

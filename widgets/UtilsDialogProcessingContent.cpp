@@ -6,6 +6,7 @@
 
 #include <QEasingCurve>
 #include <QFrame>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPropertyAnimation>
 #include <QToolButton>
@@ -144,8 +145,22 @@ QWidget *UtilsDialogProcessingContent::createButtonArea()
     toolButton->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored);
     toolButton->setMinimumWidth(ButtonWidth);
     toolButton->setFocusPolicy(Qt::NoFocus); // what is not seen must not be pressed by a key
+    toolButton->installEventFilter(this);
     layout->addWidget(toolButton);
     return buttonArea;
+}
+
+// On some desktops Return and Enter press the button that has the focus. These leave them to the dialog everywhere.
+bool UtilsDialogProcessingContent::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == toolButton && (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease)) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            event->ignore(); // and so it goes on to the parent
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void UtilsDialogProcessingContent::setMessage(QString message)

@@ -8,10 +8,13 @@
 #include <UtilsProgressBar.h>
 
 #include <QApplication>
+#include <QDialog>
 #include <QFrame>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
 #include <QPropertyAnimation>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -64,6 +67,8 @@ private Q_SLOTS:
     void theMessageCanBeSet();
     void theButtonGrowsAndThenReadsClose();
     void aGrownButtonStaysAsItIs();
+    void returnAndEnterGoOnToTheParents_data();
+    void returnAndEnterGoOnToTheParents();
     void theContentMayDieWhileTheButtonGrows();
 };
 
@@ -212,6 +217,40 @@ void tst_UtilsDialogProcessingContent::aGrownButtonStaysAsItIs()
     QTRY_COMPARE(content.getButton()->text(), "CLOSE");
     content.expandButton();
     QCOMPARE(area->minimumHeight(), ButtonHeight);
+}
+
+void tst_UtilsDialogProcessingContent::returnAndEnterGoOnToTheParents_data()
+{
+    QTest::addColumn<Qt::Key>("key");
+    QTest::addColumn<bool>("goesOn");
+    QTest::newRow("return") << Qt::Key_Return << true;
+    QTest::newRow("enter") << Qt::Key_Enter << true;
+    QTest::newRow("space") << Qt::Key_Space << false;
+}
+
+void tst_UtilsDialogProcessingContent::returnAndEnterGoOnToTheParents()
+{
+    QFETCH(Qt::Key, key);
+    QFETCH(bool, goesOn);
+    QDialog host;
+    auto *content = new UtilsDialogProcessingContent(&host);
+    QToolButton *button = content->getButton();
+    // The platform of the tests presses no button by these keys; for those that do, the button must not see them.
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        QKeyEvent event(type, key, Qt::NoModifier);
+        QCOMPARE(static_cast<QObject *>(content)->eventFilter(button, &event), goesOn);
+        QCOMPARE(event.isAccepted(), !goesOn);
+        QVERIFY(!static_cast<QObject *>(content)->eventFilter(content->getLogger(), &event));
+    }
+
+    QPushButton defaultButton(&host);
+    defaultButton.setDefault(true);
+    host.show();
+    const QSignalSpy closeClicked(button, &QToolButton::clicked);
+    const QSignalSpy defaultClicked(&defaultButton, &QPushButton::clicked);
+    QTest::keyClick(button, key);
+    QCOMPARE(closeClicked.count(), goesOn ? 0 : 1);
+    QCOMPARE(defaultClicked.count(), goesOn ? 1 : 0);
 }
 
 void tst_UtilsDialogProcessingContent::theContentMayDieWhileTheButtonGrows()
