@@ -1,7 +1,8 @@
 // A WaitingSpinnerWidget beside Qt's busy indicator, a QProgressBar with the range 0 to 0.
 //
 // "paint": one frame at 100, 200 and 300 % scale. "shown", "hidden", "stopped": what the event loop does while the
-// widget is busy on the screen, busy on a hidden page, and at rest; "nothing" is the loop's own share.
+// widget is busy on the screen, busy on a hidden page, and at rest; "nothing" is the loop's own share. At 300 % Qt
+// hands the translucent bars to its pool of threads.
 
 #include "BenchmarkMain.h"
 #include "WidgetWork.h"
