@@ -2,9 +2,9 @@
 // it starts, and bare animations each of which starts the next one from its finished().
 //
 // Durations: 0 shows what the queue itself costs, which takes each animation as it comes, while the group knows all of
-// them before. With 1 ms every animation takes one tick of the animation clock
-// (16 ms) or more, and what is measured is the processor time. A group goes through several of its short animations in
-// one tick; in the queue each is an animation of its own, as in the chain, and takes its tick.
+// them before. With 1 ms every animation takes one tick of the animation clock (16 ms) or more, and what is measured is
+// the processor time. A group goes through several of its short animations in one tick; in the queue each is an
+// animation of its own, as in the chain, and takes its tick.
 
 #include "BenchmarkMain.h"
 
